@@ -1,0 +1,26 @@
+# ky_library(name SOURCES ... LINKS ... [TESTS ...]): one room of the house. It sees the repository's root and
+# include/, and links only what stands below it. Its unit tests, which lie beside the units, join the test program.
+function(ky_library name)
+  cmake_parse_arguments(arg "" "" "SOURCES;LINKS;TESTS" ${ARGN})
+  add_library(${name} STATIC ${arg_SOURCES})
+  target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}" "${PROJECT_SOURCE_DIR}/include")
+  target_link_libraries(${name} PUBLIC ${arg_LINKS})
+  ky_unit_tests(${arg_TESTS})
+endfunction()
+
+# ky_unit_tests(file ...): files of the program ky_tests, given relative to the calling folder.
+function(ky_unit_tests)
+  foreach(file IN LISTS ARGN)
+    set_property(GLOBAL APPEND PROPERTY KY_UNIT_TESTS "${CMAKE_CURRENT_SOURCE_DIR}/${file}")
+  endforeach()
+endfunction()
+
+# ky_test_program(name SOURCES ... LINKS ...): a GoogleTest program whose cases ctest runs one by one.
+function(ky_test_program name)
+  cmake_parse_arguments(arg "" "" "SOURCES;LINKS" ${ARGN})
+  add_executable(${name} ${arg_SOURCES})
+  target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}" "${PROJECT_SOURCE_DIR}/include")
+  target_link_libraries(${name} PRIVATE ${arg_LINKS} ky_googletest)
+  include(GoogleTest)
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120 PROPERTIES TIMEOUT 180)
+endfunction()

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "ky/install_command.h"
+
+/// How the library's build marks its exports; a host includes this header as it is.
+#ifndef KY_EXPORT
+#define KY_EXPORT
+#endif
+
+// clang-format off
+/// The exported factories: FACTORY(export's stem, class). A script's element `Stem` is made by `GetC<Stem>Command`.
+/// Two stems differ from their class's name on purpose: hosts look for them.
+#define KY_FACTORIES(FACTORY) \
+  FACTORY(DeleteFile, CDeleteFileCommand) \
+  FACTORY(Jump, CJumpCommand) \
+  FACTORY(LoadFilesFromResources, CLoadFilesFromResourcesCommand) \
+  FACTORY(Nop, CNopCommand) \
+  FACTORY(PathExists, CPathExistsCommand)
+// clang-format on
+
+#define KY_DECLARE_FACTORY(stem, command) extern "C" KY_EXPORT ky::CInstallCommand* GetC##stem##Command();
+KY_FACTORIES(KY_DECLARE_FACTORY)
+#undef KY_DECLARE_FACTORY
+
+namespace ky {
+
+/// Makes a new command, owned by the caller and released with `SelfFree`. Fails only by the allocator's exception.
+using Factory = CInstallCommand* (*)();
+
+}  // namespace ky

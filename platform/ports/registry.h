@@ -1,0 +1,95 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "platform/ports/types.h"
+
+namespace ports {
+
+/// An open registry key. The predefined ones are always open and need no closing.
+enum class RegistryKey : std::uintptr_t {
+  null = 0,
+  classes_root = 0xFFFFFFFF80000000,
+  current_user = 0xFFFFFFFF80000001,
+  local_machine = 0xFFFFFFFF80000002,
+  users = 0xFFFFFFFF80000003,
+};
+
+namespace registry_access {
+inline constexpr std::uint32_t query_value = 0x1;
+inline constexpr std::uint32_t set_value = 0x2;
+inline constexpr std::uint32_t create_subkey = 0x4;
+inline constexpr std::uint32_t enumerate = 0x8;
+inline constexpr std::uint32_t create_link = 0x20;
+inline constexpr std::uint32_t view_64 = 0x100;
+inline constexpr std::uint32_t view_32 = 0x200;
+inline constexpr std::uint32_t erase = 0x10000;
+inline constexpr std::uint32_t read = 0x20019;
+inline constexpr std::uint32_t write = 0x20006;
+}  // namespace registry_access
+
+namespace registry_option {
+inline constexpr std::uint32_t is_volatile = 1;
+inline constexpr std::uint32_t create_link = 2;
+inline constexpr std::uint32_t open_link = 8;  // the link key itself
+}  // namespace registry_option
+
+enum class RegistryType : std::uint32_t {
+  none = 0,
+  text = 1,           // REG_SZ
+  expandable = 2,     // REG_EXPAND_SZ
+  binary = 3,
+  number = 4,         // REG_DWORD
+  link = 6,
+  text_list = 7,      // REG_MULTI_SZ
+  number64 = 11,      // REG_QWORD
+};
+
+/// A value's type and its bytes as the system keeps them: text in UTF-16 little-endian with its terminator.
+struct RegistryValue {
+  RegistryType type = RegistryType::none;
+  std::vector<std::uint8_t> bytes;
+  friend bool operator==(const RegistryValue&, const RegistryValue&) = default;
+};
+
+/// The registry. Names ignore case (ASCII). Every operation gives its error code and may be called on any thread;
+/// common codes: file_not_found, access_denied, invalid_handle, key_deleted (1018, the key went while it was open).
+class Registry {
+ public:
+  virtual ~Registry() = default;
+
+  /// RegOpenKeyExW. An empty subkey opens the key anew. Links on the way are followed; the last part is too, unless
+  /// `options` has open_link.
+  [[nodiscard]] virtual ErrorCode open(RegistryKey parent, const wchar_t* subkey, std::uint32_t options,
+                                       std::uint32_t access, RegistryKey& out) = 0;
+
+  /// RegCreateKeyExW: opens, or makes with all that is missing on the way. Also child_must_be_volatile.
+  [[nodiscard]] virtual ErrorCode create(RegistryKey parent, const wchar_t* subkey, std::uint32_t options,
+                                         std::uint32_t access, RegistryKey& out, bool& created) = 0;
+
+  /// RegCloseKey.
+  virtual ErrorCode close(RegistryKey key) = 0;
+
+  /// RegEnumKeyExW: the name of subkey number `position`. At the end no_more_items.
+  [[nodiscard]] virtual ErrorCode subkey(RegistryKey key, std::uint32_t position, std::wstring& name) = 0;
+
+  /// RegEnumValueW: the name of value number `position`. At the end no_more_items.
+  [[nodiscard]] virtual ErrorCode value_name(RegistryKey key, std::uint32_t position, std::wstring& name) = 0;
+
+  /// RegQueryValueExW. An empty name is the key's default value.
+  [[nodiscard]] virtual ErrorCode query(RegistryKey key, const wchar_t* name, RegistryValue& out) = 0;
+
+  /// RegSetValueExW.
+  [[nodiscard]] virtual ErrorCode set(RegistryKey key, const wchar_t* name, const RegistryValue& value) = 0;
+
+  /// RegDeleteValueW.
+  [[nodiscard]] virtual ErrorCode remove_value(RegistryKey key, const wchar_t* name) = 0;
+
+  /// NtDeleteKey, its status as a Windows code: deletes exactly the key that was opened, a link itself. The key needs
+  /// the right `erase`. access_denied where it has subkeys. The handle still wants closing.
+  [[nodiscard]] virtual ErrorCode remove(RegistryKey key) = 0;
+};
+
+}  // namespace ports
