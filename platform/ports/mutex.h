@@ -1,0 +1,70 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+
+// Annotations that clang's thread-safety analysis checks at compile time; other compilers see nothing.
+#if defined(__clang__)
+#define KY_THREAD_ANNOTATION(x) __attribute__((x))
+#else
+#define KY_THREAD_ANNOTATION(x)
+#endif
+
+/// The field is touched only while the mutex is held.
+#define KY_GUARDED_BY(mutex) KY_THREAD_ANNOTATION(guarded_by(mutex))
+/// The function is called only while the mutex is held.
+#define KY_REQUIRES(...) KY_THREAD_ANNOTATION(requires_capability(__VA_ARGS__))
+/// The function is called only while the mutex is not held.
+#define KY_EXCLUDES(...) KY_THREAD_ANNOTATION(locks_excluded(__VA_ARGS__))
+/// The function gives a reference to the mutex.
+#define KY_RETURN_CAPABILITY(mutex) KY_THREAD_ANNOTATION(lock_returned(mutex))
+
+namespace ports {
+
+/// A plain lock: not recursive, unlocked by the thread that locked it.
+class KY_THREAD_ANNOTATION(capability("mutex")) Mutex {
+ public:
+  Mutex() = default;
+  Mutex(const Mutex&) = delete;
+  Mutex& operator=(const Mutex&) = delete;
+
+  void lock() KY_THREAD_ANNOTATION(acquire_capability()) { mutex_.lock(); }
+  void unlock() KY_THREAD_ANNOTATION(release_capability()) { mutex_.unlock(); }
+  [[nodiscard]] bool try_lock() KY_THREAD_ANNOTATION(try_acquire_capability(true)) { return mutex_.try_lock(); }
+
+ private:
+  std::mutex mutex_;
+};
+
+/// Holds a mutex for a scope.
+class KY_THREAD_ANNOTATION(scoped_lockable) Lock {
+ public:
+  explicit Lock(Mutex& mutex) KY_THREAD_ANNOTATION(acquire_capability(mutex)) : mutex_(mutex) { mutex_.lock(); }
+  ~Lock() KY_THREAD_ANNOTATION(release_capability()) { mutex_.unlock(); }
+  Lock(const Lock&) = delete;
+  Lock& operator=(const Lock&) = delete;
+
+ private:
+  Mutex& mutex_;
+};
+
+/// A condition that is waited for with a `Mutex`. There are no predicate waits, since the analysis looks at a lambda
+/// alone: write `while (!ready) condition.wait(mutex);`.
+class Condition {
+ public:
+  void wait(Mutex& mutex) KY_REQUIRES(mutex) { condition_.wait(mutex); }
+
+  /// False when the time ran out; like any wake, it may also be spurious.
+  [[nodiscard]] bool wait_until(Mutex& mutex, std::chrono::steady_clock::time_point limit) KY_REQUIRES(mutex) {
+    return condition_.wait_until(mutex, limit) == std::cv_status::no_timeout;
+  }
+
+  void notify_one() { condition_.notify_one(); }
+  void notify_all() { condition_.notify_all(); }
+
+ private:
+  std::condition_variable_any condition_;
+};
+
+}  // namespace ports
