@@ -22,6 +22,10 @@
 
 namespace ports {
 
+/// How many `Mutex`es the calling thread holds. The machine's scheduler does not let others run from within a clock
+/// read or a poll while this is not 0: the others might want that lock.
+inline thread_local int locks_held = 0;
+
 /// A plain lock: not recursive, unlocked by the thread that locked it.
 class KY_THREAD_ANNOTATION(capability("mutex")) Mutex {
  public:
@@ -29,9 +33,19 @@ class KY_THREAD_ANNOTATION(capability("mutex")) Mutex {
   Mutex(const Mutex&) = delete;
   Mutex& operator=(const Mutex&) = delete;
 
-  void lock() KY_THREAD_ANNOTATION(acquire_capability()) { mutex_.lock(); }
-  void unlock() KY_THREAD_ANNOTATION(release_capability()) { mutex_.unlock(); }
-  [[nodiscard]] bool try_lock() KY_THREAD_ANNOTATION(try_acquire_capability(true)) { return mutex_.try_lock(); }
+  void lock() KY_THREAD_ANNOTATION(acquire_capability()) {
+    mutex_.lock();
+    ++locks_held;
+  }
+  void unlock() KY_THREAD_ANNOTATION(release_capability()) {
+    --locks_held;
+    mutex_.unlock();
+  }
+  [[nodiscard]] bool try_lock() KY_THREAD_ANNOTATION(try_acquire_capability(true)) {
+    if (!mutex_.try_lock()) return false;
+    ++locks_held;
+    return true;
+  }
 
  private:
   std::mutex mutex_;
