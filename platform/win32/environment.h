@@ -1,0 +1,13 @@
+#pragma once
+
+#include "platform/ports/environment.h"
+
+namespace win32 {
+
+class Environment final : public ports::Environment {
+ public:
+  std::wstring folder(ports::KnownFolder which) override;
+  std::wstring command_line() override;
+};
+
+}  // namespace win32

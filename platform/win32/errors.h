@@ -1,0 +1,13 @@
+#pragma once
+
+#include "platform/ports/system.h"
+
+namespace win32 {
+
+class Errors final : public ports::Errors {
+ public:
+  ports::ErrorCode last() override;
+  void set_last(ports::ErrorCode code) override;
+};
+
+}  // namespace win32

@@ -1,0 +1,134 @@
+#include "platform/win32/files.h"
+
+#include <windows.h>
+
+#include <shlwapi.h>
+
+#include <algorithm>
+#include <iterator>
+
+#include "platform/win32/handles.h"
+
+namespace win32 {
+
+namespace {
+
+std::uint64_t joined(DWORD high, DWORD low) {
+  return (static_cast<std::uint64_t>(high) << 32) | low;
+}
+
+ports::FolderRow row_of(const WIN32_FIND_DATAW& found) {
+  return {found.cFileName, found.dwFileAttributes, joined(found.nFileSizeHigh, found.nFileSizeLow)};
+}
+
+}  // namespace
+
+ports::Handle Files::open(const wchar_t* path, std::uint32_t access, std::uint32_t share,
+                          ports::Disposition disposition, std::uint32_t flags) {
+  return ported(CreateFileW(path, access, share, nullptr, static_cast<DWORD>(disposition), flags, nullptr));
+}
+
+bool Files::read(ports::Handle file, std::span<std::uint8_t> into, std::uint32_t& got) {
+  DWORD count = 0;
+  const BOOL done = ReadFile(native(file), into.data(), static_cast<DWORD>(into.size()), &count, nullptr);
+  got = count;
+  return done != FALSE;
+}
+
+bool Files::write(ports::Handle file, std::span<const std::uint8_t> bytes, std::uint32_t& written) {
+  DWORD count = 0;
+  const BOOL done = WriteFile(native(file), bytes.data(), static_cast<DWORD>(bytes.size()), &count, nullptr);
+  written = count;
+  return done != FALSE;
+}
+
+bool Files::flush(ports::Handle file) {
+  return FlushFileBuffers(native(file)) != FALSE;
+}
+
+bool Files::information(ports::Handle file, ports::FileInformation& out) {
+  BY_HANDLE_FILE_INFORMATION found{};
+  if (!GetFileInformationByHandle(native(file), &found)) return false;
+  out = {found.dwFileAttributes, joined(found.nFileSizeHigh, found.nFileSizeLow), found.nNumberOfLinks};
+  return true;
+}
+
+bool Files::identity(ports::Handle file, ports::FileIdentity& out) {
+  FILE_ID_INFO found{};
+  if (!GetFileInformationByHandleEx(native(file), FileIdInfo, &found, sizeof found)) return false;
+  out.volume = found.VolumeSerialNumber;
+  std::copy(std::begin(found.FileId.Identifier), std::end(found.FileId.Identifier), out.id.begin());
+  return true;
+}
+
+bool Files::mark_deleted(ports::Handle file) {
+  FILE_DISPOSITION_INFO disposition{TRUE};
+  return SetFileInformationByHandle(native(file), FileDispositionInfo, &disposition, sizeof disposition) != FALSE;
+}
+
+bool Files::set_attributes_of(ports::Handle file, std::uint32_t attributes) {
+  FILE_BASIC_INFO basic{};  // Times of 0 are left as they are.
+  basic.FileAttributes = attributes;
+  return SetFileInformationByHandle(native(file), FileBasicInfo, &basic, sizeof basic) != FALSE;
+}
+
+std::uint32_t Files::attributes(const wchar_t* path) {
+  return GetFileAttributesW(path);
+}
+
+bool Files::set_attributes(const wchar_t* path, std::uint32_t attributes) {
+  return SetFileAttributesW(path, attributes) != FALSE;
+}
+
+bool Files::exists(const wchar_t* path) {
+  return PathFileExistsW(path) != FALSE;
+}
+
+bool Files::remove(const wchar_t* path) {
+  return DeleteFileW(path) != FALSE;
+}
+
+bool Files::remove_folder(const wchar_t* path) {
+  return RemoveDirectoryW(path) != FALSE;
+}
+
+bool Files::create_folder(const wchar_t* path) {
+  return CreateDirectoryW(path, nullptr) != FALSE;
+}
+
+bool Files::create_link(const wchar_t* link, const wchar_t* target, bool to_folder) {
+  return CreateSymbolicLinkW(link, target, to_folder ? SYMBOLIC_LINK_FLAG_DIRECTORY : 0) != FALSE;
+}
+
+bool Files::move(const wchar_t* from, const wchar_t* to, std::uint32_t flags) {
+  return MoveFileExW(from, to, flags) != FALSE;
+}
+
+std::uint32_t Files::temp_folder(std::span<wchar_t> into) {
+  return GetTempPathW(static_cast<DWORD>(into.size()), into.data());
+}
+
+std::uint32_t Files::temp_file(const wchar_t* folder, const wchar_t* prefix, std::uint32_t unique,
+                               std::span<wchar_t, 260> into) {
+  return GetTempFileNameW(folder, prefix, unique, into.data());
+}
+
+ports::Handle Files::find_first(const wchar_t* pattern, ports::FolderRow& row) {
+  WIN32_FIND_DATAW found{};
+  const HANDLE search = FindFirstFileW(pattern, &found);
+  if (search != INVALID_HANDLE_VALUE) row = row_of(found);
+  return ported(search);
+}
+
+bool Files::find_next(ports::Handle search, ports::FolderRow& row) {
+  WIN32_FIND_DATAW found{};
+  if (!FindNextFileW(native(search), &found)) return false;
+  row = row_of(found);
+  return true;
+}
+
+bool Files::find_close(ports::Handle search) {
+  return FindClose(native(search)) != FALSE;
+}
+
+}  // namespace win32

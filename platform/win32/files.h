@@ -1,0 +1,34 @@
+#pragma once
+
+#include "platform/ports/files.h"
+
+namespace win32 {
+
+class Files final : public ports::Files {
+ public:
+  ports::Handle open(const wchar_t* path, std::uint32_t access, std::uint32_t share, ports::Disposition disposition,
+                     std::uint32_t flags) override;
+  bool read(ports::Handle file, std::span<std::uint8_t> into, std::uint32_t& got) override;
+  bool write(ports::Handle file, std::span<const std::uint8_t> bytes, std::uint32_t& written) override;
+  bool flush(ports::Handle file) override;
+  bool information(ports::Handle file, ports::FileInformation& out) override;
+  bool identity(ports::Handle file, ports::FileIdentity& out) override;
+  bool mark_deleted(ports::Handle file) override;
+  bool set_attributes_of(ports::Handle file, std::uint32_t attributes) override;
+  std::uint32_t attributes(const wchar_t* path) override;
+  bool set_attributes(const wchar_t* path, std::uint32_t attributes) override;
+  bool exists(const wchar_t* path) override;
+  bool remove(const wchar_t* path) override;
+  bool remove_folder(const wchar_t* path) override;
+  bool create_folder(const wchar_t* path) override;
+  bool create_link(const wchar_t* link, const wchar_t* target, bool to_folder) override;
+  bool move(const wchar_t* from, const wchar_t* to, std::uint32_t flags) override;
+  std::uint32_t temp_folder(std::span<wchar_t> into) override;
+  std::uint32_t temp_file(const wchar_t* folder, const wchar_t* prefix, std::uint32_t unique,
+                          std::span<wchar_t, 260> into) override;
+  ports::Handle find_first(const wchar_t* pattern, ports::FolderRow& row) override;
+  bool find_next(ports::Handle search, ports::FolderRow& row) override;
+  bool find_close(ports::Handle search) override;
+};
+
+}  // namespace win32

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <windows.h>
+
+#include <combaseapi.h>
+
+#include "platform/ports/mutex.h"
+#include "platform/ports/system.h"
+#include "platform/ports/xml.h"
+
+namespace win32 {
+
+/// XML documents on MSXML 6. A node is an IXMLDOMNode, a map an IXMLDOMNamedNodeMap; each pointer that is handed out
+/// is one COM reference. Keeps the process's multithreaded apartment alive from the first document to its own end, so
+/// that a thread needs no preparation; a thread that has an apartment of its own keeps it.
+class Xml final : public ports::Xml {
+ public:
+  Xml() = default;
+  ~Xml() override;
+  Xml(const Xml&) = delete;
+  Xml& operator=(const Xml&) = delete;
+
+  ports::Result parse(std::string_view utf8, ports::XmlNode*& document, std::wstring& reason) override;
+  ports::Result root(ports::XmlNode* document, ports::XmlNode*& element) override;
+  ports::Result first_element(ports::XmlNode* parent, ports::XmlNode*& element) override;
+  ports::Result next_element(ports::XmlNode* element, ports::XmlNode*& next) override;
+  ports::Result name(ports::XmlNode* node, std::wstring& out) override;
+  ports::Result text(ports::XmlNode* node, std::wstring& out) override;
+  ports::Result attributes(ports::XmlNode* element, ky::AttributeMap*& out) override;
+  ports::Result length(ky::AttributeMap* map, std::int32_t& out) override;
+  ports::Result item(ky::AttributeMap* map, std::int32_t position, ports::XmlNode*& out) override;
+  ports::Result named_item(ky::AttributeMap* map, const wchar_t* name, ports::XmlNode*& out) override;
+  void add_reference(ky::AttributeMap* map) override;
+  void release(ky::AttributeMap* map) override;
+  void release(ports::XmlNode* node) override;
+
+ private:
+  [[nodiscard]] HRESULT enter_apartment();
+
+  ports::Mutex mutex_;
+  CO_MTA_USAGE_COOKIE apartment_ KY_GUARDED_BY(mutex_) = nullptr;
+};
+
+}  // namespace win32
