@@ -1,0 +1,47 @@
+#include "platform/faults/operations.h"
+
+namespace faults {
+
+namespace {
+
+using namespace ports::code;  // the table names the codes bare
+
+constexpr ports::ErrorCode result_nothing = static_cast<ports::ErrorCode>(nothing);
+constexpr ports::ErrorCode result_fail = static_cast<ports::ErrorCode>(fail);
+constexpr ports::ErrorCode result_no_memory = static_cast<ports::ErrorCode>(no_memory);
+constexpr ports::ErrorCode result_class_not_registered = static_cast<ports::ErrorCode>(class_not_registered);
+
+#define KY_FAULT_CODES(identifier, name, ...) constexpr ports::ErrorCode codes_of_##identifier[] = {__VA_ARGS__};
+KY_FAULT_OPERATIONS(KY_FAULT_CODES)
+#undef KY_FAULT_CODES
+
+constexpr Contract table[] = {
+#define KY_FAULT_ROW(identifier, name, ...) {Operation::identifier, name, codes_of_##identifier},
+    KY_FAULT_OPERATIONS(KY_FAULT_ROW)
+#undef KY_FAULT_ROW
+};
+
+}  // namespace
+
+std::span<const Contract> contracts() {
+  return table;
+}
+
+const Contract& contract(Operation operation) {
+  return table[static_cast<std::size_t>(operation)];
+}
+
+bool gives_back(Operation operation) {
+  switch (operation) {
+    case Operation::files_find_close:
+    case Operation::registry_close:
+    case Operation::modules_free:
+    case Operation::waits_close:
+    case Operation::winapi_close_handle:
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace faults

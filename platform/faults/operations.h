@@ -1,0 +1,120 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+#include "platform/ports/codes.h"
+
+// clang-format off
+/// Every port operation that can fail: OPERATION(name here, name for people, the codes of its contract...). COM results
+/// stand among the codes as they are, in 32 bits.
+#define KY_FAULT_OPERATIONS(OPERATION) \
+  OPERATION(files_open, "files.open", access_denied, file_not_found, path_not_found, sharing_violation, file_exists, \
+            invalid_name) \
+  OPERATION(files_read, "files.read", read_fault, access_denied, invalid_handle) \
+  OPERATION(files_write, "files.write", disk_full, access_denied, invalid_handle) \
+  OPERATION(files_flush, "files.flush", write_fault, access_denied, invalid_handle) \
+  OPERATION(files_information, "files.information", invalid_handle, access_denied) \
+  OPERATION(files_identity, "files.identity", invalid_parameter, invalid_handle) \
+  OPERATION(files_mark_deleted, "files.mark_deleted", access_denied, directory_not_empty, invalid_handle) \
+  OPERATION(files_set_attributes_of, "files.set_attributes_of", access_denied, invalid_handle) \
+  OPERATION(files_attributes, "files.attributes", access_denied, file_not_found, path_not_found, invalid_name) \
+  OPERATION(files_set_attributes, "files.set_attributes", access_denied, file_not_found, path_not_found, invalid_name) \
+  OPERATION(files_exists, "files.exists", access_denied, file_not_found, path_not_found, invalid_name) \
+  OPERATION(files_remove, "files.remove", access_denied, sharing_violation, file_not_found, path_not_found, \
+            invalid_name) \
+  OPERATION(files_remove_folder, "files.remove_folder", directory_not_empty, sharing_violation, \
+            directory_name_invalid, access_denied, file_not_found, path_not_found, invalid_name) \
+  OPERATION(files_create_folder, "files.create_folder", access_denied, already_exists, path_not_found, invalid_name) \
+  OPERATION(files_create_link, "files.create_link", privilege_not_held, already_exists, access_denied, \
+            path_not_found, invalid_name) \
+  OPERATION(files_move, "files.move", access_denied, sharing_violation, already_exists, file_not_found, \
+            path_not_found, invalid_name, invalid_parameter) \
+  OPERATION(files_temp_folder, "files.temp_folder", path_not_found, not_enough_memory) \
+  OPERATION(files_temp_file, "files.temp_file", access_denied, directory_name_invalid) \
+  OPERATION(files_find_first, "files.find_first", access_denied, file_not_found, path_not_found, invalid_name) \
+  OPERATION(files_find_next, "files.find_next", no_more_files, invalid_handle) \
+  OPERATION(files_find_close, "files.find_close", invalid_handle) \
+  OPERATION(registry_open, "registry.open", access_denied, file_not_found, invalid_handle, key_deleted) \
+  OPERATION(registry_create, "registry.create", access_denied, child_must_be_volatile, invalid_handle, key_deleted) \
+  OPERATION(registry_close, "registry.close", invalid_handle) \
+  OPERATION(registry_subkey, "registry.subkey", access_denied, no_more_items, invalid_handle, key_deleted) \
+  OPERATION(registry_value_name, "registry.value_name", access_denied, no_more_items, invalid_handle, key_deleted) \
+  OPERATION(registry_query, "registry.query", access_denied, file_not_found, invalid_handle, key_deleted) \
+  OPERATION(registry_set, "registry.set", access_denied, invalid_handle, key_deleted) \
+  OPERATION(registry_remove_value, "registry.remove_value", access_denied, file_not_found, invalid_handle, \
+            key_deleted) \
+  OPERATION(registry_remove, "registry.remove", access_denied, invalid_handle, key_deleted) \
+  OPERATION(processes_create, "processes.create", file_not_found, directory_name_invalid, bad_exe_format, \
+            access_denied, elevation_required) \
+  OPERATION(processes_exit_code, "processes.exit_code", invalid_handle, access_denied) \
+  OPERATION(processes_terminate, "processes.terminate", access_denied, invalid_handle) \
+  OPERATION(processes_shell_execute, "processes.shell_execute", file_not_found, access_denied, cancelled) \
+  OPERATION(processes_initialize_com, "processes.initialize_com", result_fail, result_no_memory) \
+  OPERATION(processes_find_desktop, "processes.find_desktop", result_fail, result_class_not_registered) \
+  OPERATION(processes_execute_on_desktop, "processes.execute_on_desktop", result_fail, result_no_memory) \
+  OPERATION(modules_procedure, "modules.procedure", procedure_not_found) \
+  OPERATION(modules_load, "modules.load", module_not_found, bad_exe_format, dll_init_failed) \
+  OPERATION(modules_free, "modules.free", invalid_handle) \
+  OPERATION(modules_file_name, "modules.file_name", insufficient_buffer, module_not_found) \
+  OPERATION(resources_find, "resources.find", resource_name_not_found, resource_type_not_found) \
+  OPERATION(resources_load, "resources.load", resource_data_not_found, not_enough_memory) \
+  OPERATION(resources_size, "resources.size", resource_data_not_found) \
+  OPERATION(resources_lock, "resources.lock", resource_data_not_found) \
+  OPERATION(environment_folder, "environment.folder", path_not_found, not_enough_memory) \
+  OPERATION(text_to_wide, "text.to_wide", insufficient_buffer, invalid_parameter) \
+  OPERATION(text_to_narrow, "text.to_narrow", insufficient_buffer, invalid_parameter) \
+  OPERATION(threads_start, "threads.start", not_enough_memory) \
+  OPERATION(waits_create_event, "waits.create_event", path_not_found, invalid_handle) \
+  OPERATION(waits_set, "waits.set", invalid_handle) \
+  OPERATION(waits_reset, "waits.reset", invalid_handle) \
+  OPERATION(waits_wait, "waits.wait", invalid_handle, invalid_parameter) \
+  OPERATION(waits_close, "waits.close", invalid_handle) \
+  OPERATION(winapi_create_event, "winapi.CreateEventW", path_not_found, invalid_handle) \
+  OPERATION(winapi_set_event, "winapi.SetEvent", invalid_handle) \
+  OPERATION(winapi_close_handle, "winapi.CloseHandle", invalid_handle) \
+  OPERATION(winapi_to_wide, "winapi.MultiByteToWideChar", insufficient_buffer, invalid_parameter) \
+  OPERATION(cipher_import_key, "cipher.import_key", bad_cipher_key, not_enough_memory) \
+  OPERATION(cipher_decode_base64, "cipher.decode_base64", invalid_data, more_data) \
+  OPERATION(cipher_decrypt, "cipher.decrypt", bad_cipher_data, bad_cipher_key) \
+  OPERATION(cipher_encrypt, "cipher.encrypt", bad_cipher_key, not_enough_memory) \
+  OPERATION(key_maker_random, "key_maker.random", gen_failure) \
+  OPERATION(key_maker_rsa_pair, "key_maker.rsa_pair", gen_failure, not_enough_memory) \
+  OPERATION(xml_parse, "xml.parse", result_no_memory, result_fail, result_nothing) \
+  OPERATION(xml_root, "xml.root", result_fail, result_nothing) \
+  OPERATION(xml_first_element, "xml.first_element", result_fail) \
+  OPERATION(xml_next_element, "xml.next_element", result_fail) \
+  OPERATION(xml_name, "xml.name", result_no_memory, result_fail) \
+  OPERATION(xml_text, "xml.text", result_no_memory, result_fail) \
+  OPERATION(xml_attributes, "xml.attributes", result_fail, result_no_memory) \
+  OPERATION(xml_length, "xml.length", result_fail) \
+  OPERATION(xml_item, "xml.item", result_fail, result_no_memory) \
+  OPERATION(xml_named_item, "xml.named_item", result_fail, result_nothing)
+// clang-format on
+
+namespace faults {
+
+enum class Operation : std::uint8_t {
+#define KY_FAULT_ENUMERATE(identifier, ...) identifier,
+  KY_FAULT_OPERATIONS(KY_FAULT_ENUMERATE)
+#undef KY_FAULT_ENUMERATE
+};
+
+/// What is known of an operation before it is called.
+struct Contract {
+  Operation operation;
+  std::string_view name;
+  /// The codes with which it may fail, the likeliest first; never empty.
+  std::span<const ports::ErrorCode> codes;
+};
+
+/// All operations, each at its own position.
+[[nodiscard]] std::span<const Contract> contracts();
+[[nodiscard]] const Contract& contract(Operation operation);
+
+/// True for the operations that give something back (closings): a failed call leaves it held.
+[[nodiscard]] bool gives_back(Operation operation);
+
+}  // namespace faults
