@@ -1,0 +1,71 @@
+#include "installer/desktop/commands/base/decipher.h"
+
+#include <cstdint>
+#include <cwchar>
+#include <span>
+#include <string>
+
+#include "installer/desktop/commands/base/global_data.h"
+#include "installer/utils/base/stop.h"
+#include "platform/ports/codes.h"
+#include "platform/ports/script_cipher.h"
+#include "platform/ports/system.h"
+#include "platform/ports/text.h"
+
+namespace ky {
+
+namespace {
+
+wchar_t standard_base64(wchar_t c) {
+  switch (c) {
+    case L'-': return L'+';
+    case L'_': return L'/';
+    case L'.': return L'=';
+    default: return c;
+  }
+}
+
+/// Copies `value` without its first character into the staging buffer; gives the length.
+std::uint32_t stage(Decrypter& decrypter, const wchar_t* value) {
+  std::size_t length = 0;
+  for (const wchar_t* from = value + 1; *from != L'\0'; ++from, ++length) {
+    if (length + 1 == Decrypter::capacity) base::stop_invalid_parameter(L"decipher: value too long", value);
+    decrypter.staging[length] = standard_base64(*from);
+  }
+  decrypter.staging[length] = L'\0';
+  return static_cast<std::uint32_t>(length);
+}
+
+}  // namespace
+
+const wchar_t* DecipherValue(Decrypter& decrypter, const wchar_t* value) {
+  decrypter.text[0] = L'\0';
+  if (value == nullptr) return decrypter.text;
+  if (*value == L'\0') base::stop_invalid_parameter(L"decipher: empty value", L"a value has at least its prefix");
+  const std::uint32_t length = stage(decrypter, value);
+  const ports::System& system = ports::system();
+  std::uint32_t size = 0;
+  if (!system.cipher.decode_base64(decrypter.staging, length, decrypter.binary, size) ||
+      !system.cipher.decrypt(decrypter.key, decrypter.binary, size)) {
+    return system.errors.last() != ports::code::success ? nullptr : decrypter.text;
+  }
+  decrypter.binary[size] = 0;  // padding is at least one byte, so there is room
+  const auto with_terminator = static_cast<std::int32_t>(size) + 1;
+  decrypter.converter->MultiByteToWideChar(ports::code_page::utf8, 0, reinterpret_cast<const char*>(decrypter.binary),
+                                           with_terminator, decrypter.text, with_terminator);
+  return decrypter.text;
+}
+
+const wchar_t* DecipherOrStop(Decrypter& decrypter, const wchar_t* value) {
+  const wchar_t* const text = DecipherValue(decrypter, value);
+  if (text == nullptr) base::stop_null_value(L"decipher: value does not decipher", value);
+  return text;
+}
+
+Decrypter& HostDecrypter() {
+  Decrypter* const decrypter = Get(keys::SelfFree_Decrypter);
+  if (decrypter == nullptr) base::stop_null_value(L"decipher: no decrypter", L"SelfFree_Decrypter is empty");
+  return *decrypter;
+}
+
+}  // namespace ky

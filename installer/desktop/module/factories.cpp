@@ -1,0 +1,12 @@
+#include "ky/factories.h"
+
+#include "installer/desktop/commands/data/loadfilesfromresourcescommand.h"
+#include "installer/desktop/commands/files/deletefilecommand.h"
+#include "installer/desktop/commands/files/pathexistscommand.h"
+#include "installer/desktop/commands/flow/jumpcommand.h"
+#include "installer/desktop/commands/flow/nopcommand.h"
+
+#define KY_DEFINE_FACTORY(stem, command) \
+  ky::CInstallCommand* GetC##stem##Command() { return new ky::command(); }
+KY_FACTORIES(KY_DEFINE_FACTORY)
+#undef KY_DEFINE_FACTORY

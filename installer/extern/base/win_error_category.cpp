@@ -1,0 +1,29 @@
+#include "installer/extern/base/include/winapi/win_error_category.h"
+
+#include <string>
+
+#include "platform/ports/system.h"
+
+namespace winapi {
+
+namespace {
+
+class WinErrorCategory final : public std::error_category {
+ public:
+  [[nodiscard]] const char* name() const noexcept override { return "win"; }
+  [[nodiscard]] std::string message(int code) const override { return "error " + std::to_string(code); }
+};
+
+const WinErrorCategory category{};
+
+}  // namespace
+
+const std::error_category& details::win_error_category() noexcept { return category; }
+
+void raise(ports::ErrorCode code, const char* what) {
+  throw std::system_error(static_cast<int>(code), category, what);
+}
+
+void raise_last_error(const char* what) { raise(ports::system().errors.last(), what); }
+
+}  // namespace winapi

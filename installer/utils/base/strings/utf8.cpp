@@ -1,0 +1,117 @@
+#include "installer/utils/base/strings/utf8.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace base::strings {
+
+namespace {
+
+constexpr char32_t replacement = 0xFFFD;
+
+struct Decoded {
+  char32_t character;
+  std::size_t length;
+  bool well_formed;
+};
+
+/// The table of well-formed sequences: the second byte's range depends on the first, which shuts out overlong forms,
+/// surrogates and characters beyond U+10FFFF.
+struct Lead {
+  unsigned char length, low, high;
+  char32_t bits;
+};
+
+Lead lead_of(unsigned char byte) {
+  if (byte >= 0xC2 && byte <= 0xDF) return {2, 0x80, 0xBF, byte & 0x1Fu};
+  if (byte == 0xE0) return {3, 0xA0, 0xBF, 0};
+  if (byte == 0xED) return {3, 0x80, 0x9F, 0xD};
+  if (byte >= 0xE1 && byte <= 0xEF) return {3, 0x80, 0xBF, byte & 0x0Fu};
+  if (byte == 0xF0) return {4, 0x90, 0xBF, 0};
+  if (byte >= 0xF1 && byte <= 0xF3) return {4, 0x80, 0xBF, byte & 0x07u};
+  if (byte == 0xF4) return {4, 0x80, 0x8F, 4};
+  return {0, 0, 0, 0};
+}
+
+Decoded decode(std::string_view text, std::size_t at) {
+  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+  if (byte(at) < 0x80) return {byte(at), 1, true};
+  const Lead lead = lead_of(byte(at));
+  if (lead.length == 0) return {replacement, 1, false};
+  char32_t character = lead.bits;
+  for (std::size_t i = 1; i < lead.length; ++i) {
+    const bool fits = at + i < text.size() && byte(at + i) >= (i == 1 ? lead.low : 0x80) &&
+                      byte(at + i) <= (i == 1 ? lead.high : 0xBF);
+    if (!fits) return {replacement, i, false};
+    character = (character << 6) | (byte(at + i) & 0x3Fu);
+  }
+  return {character, lead.length, true};
+}
+
+bool is_high_surrogate(wchar_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
+bool is_surrogate(wchar_t unit) { return unit >= 0xD800 && unit <= 0xDFFF; }
+bool is_low_surrogate(wchar_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
+
+void append_utf8(std::string& out, char32_t c) {
+  const auto put = [&](char32_t byte) { out.push_back(static_cast<char>(static_cast<unsigned char>(byte))); };
+  if (c < 0x80) {
+    put(c);
+  } else if (c < 0x800) {
+    put(0xC0 | (c >> 6));
+    put(0x80 | (c & 0x3F));
+  } else if (c < 0x10000) {
+    put(0xE0 | (c >> 12));
+    put(0x80 | ((c >> 6) & 0x3F));
+    put(0x80 | (c & 0x3F));
+  } else {
+    put(0xF0 | (c >> 18));
+    put(0x80 | ((c >> 12) & 0x3F));
+    put(0x80 | ((c >> 6) & 0x3F));
+    put(0x80 | (c & 0x3F));
+  }
+}
+
+}  // namespace
+
+std::wstring to_wide(std::string_view utf8) {
+  std::wstring out;
+  out.reserve(utf8.size());
+  for (std::size_t at = 0; at < utf8.size();) {
+    const Decoded next = decode(utf8, at);
+    at += next.length;
+    if (next.character < 0x10000) {
+      out.push_back(static_cast<wchar_t>(next.character));
+    } else {
+      const char32_t offset = next.character - 0x10000;
+      out.push_back(static_cast<wchar_t>(0xD800 + (offset >> 10)));
+      out.push_back(static_cast<wchar_t>(0xDC00 + (offset & 0x3FF)));
+    }
+  }
+  return out;
+}
+
+std::string to_utf8(std::wstring_view wide) {
+  std::string out;
+  out.reserve(wide.size());
+  for (std::size_t at = 0; at < wide.size(); ++at) {
+    const wchar_t unit = wide[at];
+    if (is_high_surrogate(unit) && at + 1 < wide.size() && is_low_surrogate(wide[at + 1])) {
+      const auto high = static_cast<char32_t>(unit) - 0xD800;
+      append_utf8(out, 0x10000 + (high << 10) + (static_cast<char32_t>(wide[++at]) - 0xDC00));
+    } else {
+      append_utf8(out, is_surrogate(unit) ? replacement : static_cast<char32_t>(unit));
+    }
+  }
+  return out;
+}
+
+bool is_utf8(std::string_view bytes) {
+  for (std::size_t at = 0; at < bytes.size();) {
+    const Decoded next = decode(bytes, at);
+    if (!next.well_formed) return false;
+    at += next.length;
+  }
+  return true;
+}
+
+}  // namespace base::strings
