@@ -1,0 +1,160 @@
+#include "platform/native/pugi_xml.h"
+
+#include <memory>
+#include <pugixml.hpp>
+#include <string>
+
+#include "installer/utils/base/strings/utf8.h"
+#include "platform/ports/codes.h"
+
+namespace ports {
+
+/// An element, the document itself, or an attribute (then `node` is its element).
+struct XmlNode {
+  std::uint32_t references = 1;
+  std::shared_ptr<pugi::xml_document> document;
+  pugi::xml_node node;
+  pugi::xml_attribute attribute;
+};
+
+}  // namespace ports
+
+struct ky::AttributeMap {
+  std::uint32_t references = 1;
+  std::shared_ptr<pugi::xml_document> document;
+  pugi::xml_node element;
+};
+
+namespace native {
+
+namespace {
+
+using ports::Result;
+using ports::XmlNode;
+namespace code = ports::code;
+
+pugi::xml_node first_element_from(pugi::xml_node node) {
+  while (node && node.type() != pugi::node_element) node = node.next_sibling();
+  return node;
+}
+
+Result hand_out(const XmlNode& from, pugi::xml_node node, XmlNode*& out) {
+  out = node ? new XmlNode{1, from.document, node, {}} : nullptr;
+  return node ? code::ok : code::nothing;
+}
+
+Result hand_out(const ky::AttributeMap& from, pugi::xml_attribute attribute, XmlNode*& out) {
+  out = attribute ? new XmlNode{1, from.document, from.element, attribute} : nullptr;
+  return attribute ? code::ok : code::nothing;
+}
+
+/// ASCII names are compared in place: names are looked up a dozen times for each command of a script.
+bool same_name(const char* utf8, const wchar_t* wide) {
+  for (; *utf8 != '\0'; ++utf8, ++wide) {
+    const auto unit = static_cast<unsigned char>(*utf8);
+    if (unit >= 0x80) return base::strings::to_wide(utf8) == wide;
+    if (static_cast<wchar_t>(unit) != *wide) return false;
+  }
+  return *wide == L'\0';
+}
+
+void append_text(pugi::xml_node node, std::string& out) {
+  for (const pugi::xml_node child : node.children()) {
+    out.append(child.value());
+    append_text(child, out);
+  }
+}
+
+std::wstring place_and_reason(std::string_view utf8, const pugi::xml_parse_result& result) {
+  std::size_t line = 1;
+  std::size_t column = 1;
+  for (const char c : utf8.substr(0, static_cast<std::size_t>(result.offset))) {
+    column = c == '\n' ? 1 : column + 1;
+    line += c == '\n' ? 1 : 0;
+  }
+  return L"line " + std::to_wstring(line) + L", column " + std::to_wstring(column) + L": " +
+         base::strings::to_wide(result.description());
+}
+
+}  // namespace
+
+Result PugiXml::parse(std::string_view utf8, XmlNode*& document, std::wstring& reason) {
+  document = nullptr;
+  if (!base::strings::is_utf8(utf8)) {
+    reason = L"the text is not UTF-8";
+    return code::nothing;
+  }
+  auto parsed = std::make_shared<pugi::xml_document>();
+  const pugi::xml_parse_result result =
+      parsed->load_buffer(utf8.data(), utf8.size(), pugi::parse_default, pugi::encoding_utf8);
+  if (!result) {
+    reason = place_and_reason(utf8, result);
+    return code::nothing;
+  }
+  document = new XmlNode{1, parsed, *parsed, {}};
+  return code::ok;
+}
+
+Result PugiXml::root(XmlNode* document, XmlNode*& element) {
+  return hand_out(*document, document->document->document_element(), element);
+}
+
+Result PugiXml::first_element(XmlNode* parent, XmlNode*& element) {
+  return hand_out(*parent, first_element_from(parent->node.first_child()), element);
+}
+
+Result PugiXml::next_element(XmlNode* element, XmlNode*& next) {
+  return hand_out(*element, first_element_from(element->node.next_sibling()), next);
+}
+
+Result PugiXml::name(XmlNode* node, std::wstring& out) {
+  out = base::strings::to_wide(node->attribute ? node->attribute.name() : node->node.name());
+  return code::ok;
+}
+
+Result PugiXml::text(XmlNode* node, std::wstring& out) {
+  if (node->attribute) {
+    out = base::strings::to_wide(node->attribute.value());
+    return code::ok;
+  }
+  std::string text;
+  append_text(node->node, text);
+  out = base::strings::to_wide(text);
+  return code::ok;
+}
+
+Result PugiXml::attributes(XmlNode* element, ky::AttributeMap*& out) {
+  const bool has_map = !element->attribute && element->node.type() == pugi::node_element;
+  out = has_map ? new ky::AttributeMap{1, element->document, element->node} : nullptr;
+  return has_map ? code::ok : code::nothing;
+}
+
+Result PugiXml::length(ky::AttributeMap* map, std::int32_t& out) {
+  const auto range = map->element.attributes();
+  out = static_cast<std::int32_t>(std::distance(range.begin(), range.end()));
+  return code::ok;
+}
+
+Result PugiXml::item(ky::AttributeMap* map, std::int32_t position, XmlNode*& out) {
+  pugi::xml_attribute attribute = map->element.first_attribute();
+  while (attribute && position-- > 0) attribute = attribute.next_attribute();
+  return hand_out(*map, attribute, out);
+}
+
+Result PugiXml::named_item(ky::AttributeMap* map, const wchar_t* name, XmlNode*& out) {
+  pugi::xml_attribute attribute = map->element.first_attribute();
+  while (attribute && !same_name(attribute.name(), name)) attribute = attribute.next_attribute();
+  return hand_out(*map, attribute, out);
+}
+
+void PugiXml::add_reference(ky::AttributeMap* map) { ++map->references; }
+
+void PugiXml::release(ky::AttributeMap* map) {
+  if (--map->references == 0) delete map;
+}
+
+void PugiXml::release(XmlNode* node) {
+  if (--node->references == 0) delete node;
+}
+
+}  // namespace native

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "platform/ports/xml.h"
+
+namespace native {
+
+/// XML documents by pugixml, with MSXML's results. Nodes and maps are counted, and each keeps its document.
+class PugiXml final : public ports::Xml {
+ public:
+  ports::Result parse(std::string_view utf8, ports::XmlNode*& document, std::wstring& reason) override;
+  ports::Result root(ports::XmlNode* document, ports::XmlNode*& element) override;
+  ports::Result first_element(ports::XmlNode* parent, ports::XmlNode*& element) override;
+  ports::Result next_element(ports::XmlNode* element, ports::XmlNode*& next) override;
+  ports::Result name(ports::XmlNode* node, std::wstring& out) override;
+  ports::Result text(ports::XmlNode* node, std::wstring& out) override;
+  ports::Result attributes(ports::XmlNode* element, ky::AttributeMap*& out) override;
+  ports::Result length(ky::AttributeMap* map, std::int32_t& out) override;
+  ports::Result item(ky::AttributeMap* map, std::int32_t position, ports::XmlNode*& out) override;
+  ports::Result named_item(ky::AttributeMap* map, const wchar_t* name, ports::XmlNode*& out) override;
+  void add_reference(ky::AttributeMap* map) override;
+  void release(ky::AttributeMap* map) override;
+  void release(ports::XmlNode* node) override;
+};
+
+}  // namespace native
