@@ -1,0 +1,39 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "platform/ports/types.h"
+
+namespace record {
+
+/// One thing of the system that differs at the end from what it was at the beginning. `before` and `after` describe it
+/// for people and tools; nothing means that it was not there. Kinds: file, folder, link, registry-key, registry-value,
+/// delayed-move (booked for the next start; `path` is what moves).
+struct Change {
+  std::string kind;
+  std::wstring path;
+  std::optional<std::wstring> before;
+  std::optional<std::wstring> after;
+  friend bool operator==(const Change&, const Change&) = default;
+};
+
+/// Something that was done and left nothing behind. Kinds: process-started and process-ended (`text` is the command
+/// line), process-started-by-shell and process-started-on-desktop (verb, file and arguments).
+struct Action {
+  std::string kind;
+  std::wstring text;
+  friend bool operator==(const Action&, const Action&) = default;
+};
+
+/// An attempt to delete something. The code is the last attempt's: 0 when the system took it, file_not_found or
+/// path_not_found when there was nothing, else why it stayed. `gone` tells how it stands now.
+struct Deletion {
+  std::string kind;
+  std::wstring path;
+  ports::ErrorCode code = 0;
+  bool gone = false;
+  friend bool operator==(const Deletion&, const Deletion&) = default;
+};
+
+}  // namespace record

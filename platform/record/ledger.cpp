@@ -1,0 +1,198 @@
+#include "platform/record/ledger.h"
+
+#include <algorithm>
+#include <tuple>
+
+#include "platform/ports/codes.h"
+#include "platform/record/paths.h"
+
+namespace record {
+
+namespace {
+
+bool was_absent(ports::ErrorCode code) {
+  return code == ports::code::file_not_found || code == ports::code::path_not_found;
+}
+
+}  // namespace
+
+std::wstring value_path(const KeyPlace& place, const std::wstring& name) {
+  return place.path() + L"\\" + (name.empty() ? L"(default)" : name);
+}
+
+void Ledger::touch(Subject subject, const std::wstring& path, Look look) {
+  if (paused()) return;
+  {
+    const std::lock_guard lock(mutex_);
+    if (entries_.contains({subject, folded(path)})) return;
+  }
+  std::optional<State> before = look();
+  touch_known(subject, path, std::move(before), std::move(look));
+}
+
+void Ledger::touch_known(Subject subject, const std::wstring& path, std::optional<State> before, Look look) {
+  if (paused()) return;
+  const std::lock_guard lock(mutex_);
+  entries_.try_emplace({subject, folded(path)}, Entry{path, std::move(before), std::move(look)});
+}
+
+void Ledger::watch_path(const std::wstring& path) {
+  touch(Subject::path, plain_path(path), [this, path] { return look_at_path(inner_, path); });
+}
+
+void Ledger::watch_content(const std::wstring& path) {
+  watch_path(path);
+  touch(Subject::content, plain_path(path), [this, path] { return look_at_content(inner_, path); });
+}
+
+void Ledger::watch_key(const KeyPlace& place) {
+  touch(Subject::key, place.path(), [this, place] { return look_at_key(inner_, place); });
+}
+
+void Ledger::watch_value(const KeyPlace& place, const std::wstring& name) {
+  touch(Subject::value, value_path(place, name), [this, place, name] { return look_at_value(inner_, place, name); });
+}
+
+void Ledger::add_action(std::string kind, std::wstring text) {
+  if (paused()) return;
+  const std::lock_guard lock(mutex_);
+  actions_.push_back({std::move(kind), std::move(text)});
+}
+
+void Ledger::add_deletion(Subject subject, const char* kind, const std::wstring& path, ports::ErrorCode code,
+                          Look look) {
+  if (paused()) return;
+  const std::lock_guard lock(mutex_);
+  const auto [found, added] = attempt_of_.try_emplace({subject, folded(path)}, attempts_.size());
+  if (added) {
+    attempts_.push_back({{kind, path, code, false}, std::move(look)});
+    return;
+  }
+  // What an earlier attempt deleted is rightly missing at the next.
+  Deletion& known = attempts_[found->second].deletion;
+  if (known.code != ports::code::success || !was_absent(code)) known.code = code;
+}
+
+void Ledger::add_path_deletion(const char* kind, const std::wstring& path, ports::ErrorCode code) {
+  add_deletion(Subject::path, kind, plain_path(path), code, [this, path] { return look_at_path(inner_, path); });
+}
+
+void Ledger::book(const std::wstring& path, std::wstring text) {
+  if (paused()) return;
+  const std::lock_guard lock(mutex_);
+  // There is no telling what was booked before, and a booking stays: the look has nothing to ask.
+  entries_.insert_or_assign({Subject::booking, folded(plain_path(path))},
+                            Entry{plain_path(path), std::nullopt, [text] {
+                                    return std::optional<State>(State{"delayed-move", text});
+                                  }});
+}
+
+void Ledger::name(ports::Handle handle, std::wstring text) {
+  const std::lock_guard lock(mutex_);
+  names_.insert_or_assign(handle, std::move(text));
+}
+
+std::optional<std::wstring> Ledger::named(ports::Handle handle) const {
+  const std::lock_guard lock(mutex_);
+  const auto found = names_.find(handle);
+  if (found == names_.end()) return std::nullopt;
+  return found->second;
+}
+
+void Ledger::forget(ports::Handle handle) {
+  const std::lock_guard lock(mutex_);
+  names_.erase(handle);
+}
+
+void Ledger::place(ports::RegistryKey key, KeyPlace place) {
+  const std::lock_guard lock(mutex_);
+  places_.insert_or_assign(key, std::move(place));
+}
+
+std::optional<KeyPlace> Ledger::placed(ports::RegistryKey key) const {
+  using ports::RegistryKey;
+  if (key == RegistryKey::classes_root || key == RegistryKey::current_user || key == RegistryKey::local_machine ||
+      key == RegistryKey::users) {
+    return KeyPlace{key, L"", 0};
+  }
+  const std::lock_guard lock(mutex_);
+  const auto found = places_.find(key);
+  if (found == places_.end()) return std::nullopt;
+  return found->second;
+}
+
+void Ledger::forget(ports::RegistryKey key) {
+  const std::lock_guard lock(mutex_);
+  places_.erase(key);
+}
+
+void Ledger::pause() {
+  const std::lock_guard lock(mutex_);
+  ++pauses_[std::this_thread::get_id()];
+}
+
+void Ledger::resume() {
+  const std::lock_guard lock(mutex_);
+  const auto found = pauses_.find(std::this_thread::get_id());
+  if (--found->second == 0) pauses_.erase(found);
+}
+
+bool Ledger::paused() const {
+  const std::lock_guard lock(mutex_);
+  return pauses_.contains(std::this_thread::get_id());
+}
+
+std::vector<Change> Ledger::changes() const {
+  const KeptError kept(inner_.errors);
+  std::map<Id, Entry> entries;
+  {
+    const std::lock_guard lock(mutex_);
+    entries = entries_;
+  }
+  std::vector<Change> found;
+  std::set<std::wstring> changed_paths;
+  // Paths come before contents in the map: a content counts only where the path's own description says nothing.
+  for (const auto& [id, entry] : entries) {
+    if (id.first == Subject::content && changed_paths.contains(id.second)) continue;
+    const std::size_t known = found.size();
+    add_difference(found, entry.path, entry.before, entry.look());
+    if (id.first == Subject::path && found.size() != known) changed_paths.insert(id.second);
+  }
+  std::sort(found.begin(), found.end(), [](const Change& left, const Change& right) {
+    return std::tie(left.kind, left.path) < std::tie(right.kind, right.path);
+  });
+  return found;
+}
+
+std::vector<Action> Ledger::actions() const {
+  const std::lock_guard lock(mutex_);
+  return actions_;
+}
+
+std::vector<Deletion> Ledger::deletions() const {
+  const KeptError kept(inner_.errors);
+  std::vector<Attempt> attempts;
+  {
+    const std::lock_guard lock(mutex_);
+    attempts = attempts_;
+  }
+  std::vector<Deletion> found;
+  for (Attempt& attempt : attempts) {
+    attempt.deletion.gone = !attempt.look().has_value();
+    found.push_back(std::move(attempt.deletion));
+  }
+  return found;
+}
+
+void add_difference(std::vector<Change>& changes, const std::wstring& path, const std::optional<State>& before,
+                    const std::optional<State>& after) {
+  if (before == after) return;
+  if (before && after && before->kind == after->kind) {
+    changes.push_back({before->kind, path, before->text, after->text});
+    return;
+  }
+  if (before) changes.push_back({before->kind, path, before->text, std::nullopt});
+  if (after) changes.push_back({after->kind, path, std::nullopt, after->text});
+}
+
+}  // namespace record

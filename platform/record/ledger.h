@@ -1,0 +1,106 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <set>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "platform/ports/system.h"
+#include "platform/record/change.h"
+#include "platform/record/look.h"
+
+namespace record {
+
+/// The book of a recorder: what was touched and how it stood before, what was done, and which path an open handle
+/// means. Any thread; its lock is never held while it looks at the system.
+class Ledger {
+ public:
+  /// What an entry is about. A file's content is watched apart from the file: reading it is dear and seldom needed.
+  enum class Subject { path, content, key, value, booking };
+  /// Gives a thing's present state.
+  using Look = std::function<std::optional<State>()>;
+
+  explicit Ledger(const ports::System& inner) : inner_(inner) {}
+
+  /// To be called before a change: looks, unless the thing is known already.
+  void touch(Subject subject, const std::wstring& path, Look look);
+  /// The same for a thing whose former state is known.
+  void touch_known(Subject subject, const std::wstring& path, std::optional<State> before, Look look);
+  void watch_path(const std::wstring& path);
+  void watch_content(const std::wstring& path);
+  void watch_key(const KeyPlace& place);
+  void watch_value(const KeyPlace& place, const std::wstring& name);
+
+  void add_action(std::string kind, std::wstring text);
+  /// `subject` tells where to look whether the thing is gone.
+  void add_deletion(Subject subject, const char* kind, const std::wstring& path, ports::ErrorCode code, Look look);
+  void add_path_deletion(const char* kind, const std::wstring& path, ports::ErrorCode code);
+  /// Moves booked for the next start, by what moves.
+  void book(const std::wstring& path, std::wstring text);
+
+  void name(ports::Handle handle, std::wstring text);
+  [[nodiscard]] std::optional<std::wstring> named(ports::Handle handle) const;
+  void forget(ports::Handle handle);
+  void place(ports::RegistryKey key, KeyPlace place);
+  /// Where a key stands; nothing for one that was not opened through the recorder.
+  [[nodiscard]] std::optional<KeyPlace> placed(ports::RegistryKey key) const;
+  void forget(ports::RegistryKey key);
+
+  void pause();
+  void resume();
+  [[nodiscard]] bool paused() const;
+
+  [[nodiscard]] std::vector<Change> changes() const;
+  [[nodiscard]] std::vector<Action> actions() const;
+  [[nodiscard]] std::vector<Deletion> deletions() const;
+
+ private:
+  using Id = std::pair<Subject, std::wstring>;
+  struct Entry {
+    std::wstring path;
+    std::optional<State> before;
+    Look look;
+  };
+  struct Attempt {
+    Deletion deletion;
+    Look look;
+  };
+
+  const ports::System& inner_;
+  mutable std::mutex mutex_;
+  std::map<Id, Entry> entries_;
+  std::vector<Action> actions_;
+  std::vector<Attempt> attempts_;
+  std::map<Id, std::size_t> attempt_of_;
+  std::map<ports::Handle, std::wstring> names_;
+  std::map<ports::RegistryKey, KeyPlace> places_;
+  std::map<std::thread::id, int> pauses_;
+};
+
+/// Puts the calling thread's last error back at the end of its scope.
+class KeptError {
+ public:
+  explicit KeptError(ports::Errors& errors) : errors_(errors), code_(errors.last()) {}
+  ~KeptError() { errors_.set_last(code_); }
+  KeptError(const KeptError&) = delete;
+  KeptError& operator=(const KeptError&) = delete;
+
+ private:
+  ports::Errors& errors_;
+  ports::ErrorCode code_;
+};
+
+/// How changes name a value.
+[[nodiscard]] std::wstring value_path(const KeyPlace& place, const std::wstring& name);
+
+/// The changes between two states of one thing: none, one, or two where it became another kind of thing.
+void add_difference(std::vector<Change>& changes, const std::wstring& path, const std::optional<State>& before,
+                    const std::optional<State>& after);
+
+}  // namespace record

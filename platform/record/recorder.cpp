@@ -1,0 +1,60 @@
+#include "platform/record/recorder.h"
+
+#include "platform/record/ledger.h"
+#include "platform/record/recording_files.h"
+#include "platform/record/recording_processes.h"
+#include "platform/record/recording_registry.h"
+
+namespace record {
+
+struct Recorder::Parts {
+  explicit Parts(const ports::System& system)
+      : inner(system),
+        ledger(inner),
+        waits(inner, ledger),
+        files(inner, ledger),
+        registry(inner, ledger),
+        processes(inner, ledger),
+        outer{inner.errors,      inner.clock,     inner.threads, waits,           files,
+              registry,          processes,       inner.modules, inner.resources, inner.environment,
+              inner.termination, inner.text,      inner.winapi,  inner.cipher,    inner.key_maker,
+              inner.xml,         inner.own_module} {}
+
+  const ports::System inner;
+  Ledger ledger;
+  RecordingWaits waits;
+  RecordingFiles files;
+  RecordingRegistry registry;
+  RecordingProcesses processes;
+  ports::System outer;
+};
+
+Recorder::Recorder(const ports::System& inner) : parts_(std::make_unique<Parts>(inner)) {}
+
+Recorder::~Recorder() = default;
+
+const ports::System& Recorder::system() const {
+  return parts_->outer;
+}
+
+std::vector<Change> Recorder::changes() const {
+  return parts_->ledger.changes();
+}
+
+std::vector<Action> Recorder::actions() const {
+  return parts_->ledger.actions();
+}
+
+std::vector<Deletion> Recorder::deletions() const {
+  return parts_->ledger.deletions();
+}
+
+Recorder::Pause::Pause(Recorder& recorder) : recorder_(recorder) {
+  recorder_.parts_->ledger.pause();
+}
+
+Recorder::Pause::~Pause() {
+  recorder_.parts_->ledger.resume();
+}
+
+}  // namespace record

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "platform/ports/registry.h"
+#include "platform/record/ledger.h"
+
+namespace record {
+
+/// A registry whose changes go into the ledger.
+class RecordingRegistry final : public ports::Registry {
+ public:
+  RecordingRegistry(const ports::System& inner, Ledger& ledger)
+      : inner_(inner.registry), errors_(inner.errors), ledger_(ledger), system_(inner) {}
+
+  ports::ErrorCode open(ports::RegistryKey parent, const wchar_t* subkey, std::uint32_t options, std::uint32_t access,
+                        ports::RegistryKey& out) override;
+  ports::ErrorCode create(ports::RegistryKey parent, const wchar_t* subkey, std::uint32_t options, std::uint32_t access,
+                          ports::RegistryKey& out, bool& created) override;
+  ports::ErrorCode close(ports::RegistryKey key) override;
+  ports::ErrorCode set(ports::RegistryKey key, const wchar_t* name, const ports::RegistryValue& value) override;
+  ports::ErrorCode remove_value(ports::RegistryKey key, const wchar_t* name) override;
+  ports::ErrorCode remove(ports::RegistryKey key) override;
+
+  ports::ErrorCode subkey(ports::RegistryKey key, std::uint32_t position, std::wstring& name) override {
+    return inner_.subkey(key, position, name);
+  }
+  ports::ErrorCode value_name(ports::RegistryKey key, std::uint32_t position, std::wstring& name) override {
+    return inner_.value_name(key, position, name);
+  }
+  ports::ErrorCode query(ports::RegistryKey key, const wchar_t* name, ports::RegistryValue& out) override {
+    return inner_.query(key, name, out);
+  }
+
+ private:
+  [[nodiscard]] std::optional<KeyPlace> below(ports::RegistryKey parent, const wchar_t* subkey,
+                                              std::uint32_t access) const;
+  void note_key_deletion(const KeyPlace& place, ports::ErrorCode code);
+
+  ports::Registry& inner_;
+  ports::Errors& errors_;
+  Ledger& ledger_;
+  const ports::System& system_;
+};
+
+}  // namespace record
