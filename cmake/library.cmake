@@ -5,7 +5,10 @@ function(ky_library name)
   add_library(${name} STATIC ${arg_SOURCES})
   target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}" "${PROJECT_SOURCE_DIR}/include")
   target_link_libraries(${name} PUBLIC ${arg_LINKS})
-  ky_unit_tests(${arg_TESTS})
+  if(arg_TESTS)
+    set_property(GLOBAL APPEND PROPERTY KY_TESTED_LIBRARIES ${name})
+    ky_unit_tests(${arg_TESTS})
+  endif()
 endfunction()
 
 # ky_unit_tests(file ...): files of the program ky_tests, given relative to the calling folder.
