@@ -9,7 +9,7 @@ std::size_t position(Operation operation) {
 }  // namespace
 
 void Gate::fail(Operation operation, std::uint64_t call, bool for_good, ports::ErrorCode code) {
-  const std::lock_guard lock(mutex_);
+  const ports::Lock lock(mutex_);
   Lane& lane = lanes_[position(operation)];
   lane.planned = call;
   lane.for_good = for_good;
@@ -17,7 +17,7 @@ void Gate::fail(Operation operation, std::uint64_t call, bool for_good, ports::E
 }
 
 std::optional<ports::ErrorCode> Gate::pass(Operation operation) {
-  const std::lock_guard lock(mutex_);
+  const ports::Lock lock(mutex_);
   Lane& lane = lanes_[position(operation)];
   ++lane.calls;
   const bool fails = lane.planned != 0 && (lane.calls == lane.planned || (lane.for_good && lane.calls > lane.planned));
@@ -27,12 +27,12 @@ std::optional<ports::ErrorCode> Gate::pass(Operation operation) {
 }
 
 std::uint64_t Gate::calls(Operation operation) const {
-  const std::lock_guard lock(mutex_);
+  const ports::Lock lock(mutex_);
   return lanes_[position(operation)].calls;
 }
 
 std::uint64_t Gate::failed(Operation operation) const {
-  const std::lock_guard lock(mutex_);
+  const ports::Lock lock(mutex_);
   return lanes_[position(operation)].failed;
 }
 

@@ -3,10 +3,10 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <mutex>
 #include <optional>
 
 #include "platform/faults/operations.h"
+#include "platform/ports/mutex.h"
 
 namespace faults {
 
@@ -37,8 +37,8 @@ class Gate {
     ports::ErrorCode code = 0;
   };
 
-  mutable std::mutex mutex_;
-  std::array<Lane, operation_count> lanes_{};
+  mutable ports::Mutex mutex_;
+  std::array<Lane, operation_count> lanes_ KY_GUARDED_BY(mutex_){};
 };
 
 }  // namespace faults

@@ -23,7 +23,7 @@ std::wstring value_path(const KeyPlace& place, const std::wstring& name) {
 void Ledger::touch(Subject subject, const std::wstring& path, Look look) {
   if (paused()) return;
   {
-    const std::lock_guard lock(mutex_);
+    const ports::Lock lock(mutex_);
     if (entries_.contains({subject, folded(path)})) return;
   }
   std::optional<State> before = look();
@@ -32,7 +32,7 @@ void Ledger::touch(Subject subject, const std::wstring& path, Look look) {
 
 void Ledger::touch_known(Subject subject, const std::wstring& path, std::optional<State> before, Look look) {
   if (paused()) return;
-  const std::lock_guard lock(mutex_);
+  const ports::Lock lock(mutex_);
   entries_.try_emplace({subject, folded(path)}, Entry{path, std::move(before), std::move(look)});
 }
 
@@ -55,14 +55,14 @@ void Ledger::watch_value(const KeyPlace& place, const std::wstring& name) {
 
 void Ledger::add_action(std::string kind, std::wstring text) {
   if (paused()) return;
-  const std::lock_guard lock(mutex_);
+  const ports::Lock lock(mutex_);
   actions_.push_back({std::move(kind), std::move(text)});
 }
 
 void Ledger::add_deletion(Subject subject, const char* kind, const std::wstring& path, ports::ErrorCode code,
                           Look look) {
   if (paused()) return;
-  const std::lock_guard lock(mutex_);
+  const ports::Lock lock(mutex_);
   const auto [found, added] = attempt_of_.try_emplace({subject, folded(path)}, attempts_.size());
   if (added) {
     attempts_.push_back({{kind, path, code, false}, std::move(look)});
@@ -79,7 +79,7 @@ void Ledger::add_path_deletion(const char* kind, const std::wstring& path, ports
 
 void Ledger::book(const std::wstring& path, std::wstring text) {
   if (paused()) return;
-  const std::lock_guard lock(mutex_);
+  const ports::Lock lock(mutex_);
   // There is no telling what was booked before, and a booking stays: the look has nothing to ask.
   entries_.insert_or_assign({Subject::booking, folded(plain_path(path))},
                             Entry{plain_path(path), std::nullopt, [text] {
@@ -88,24 +88,24 @@ void Ledger::book(const std::wstring& path, std::wstring text) {
 }
 
 void Ledger::name(ports::Handle handle, std::wstring text) {
-  const std::lock_guard lock(mutex_);
+  const ports::Lock lock(mutex_);
   names_.insert_or_assign(handle, std::move(text));
 }
 
 std::optional<std::wstring> Ledger::named(ports::Handle handle) const {
-  const std::lock_guard lock(mutex_);
+  const ports::Lock lock(mutex_);
   const auto found = names_.find(handle);
   if (found == names_.end()) return std::nullopt;
   return found->second;
 }
 
 void Ledger::forget(ports::Handle handle) {
-  const std::lock_guard lock(mutex_);
+  const ports::Lock lock(mutex_);
   names_.erase(handle);
 }
 
 void Ledger::place(ports::RegistryKey key, KeyPlace place) {
-  const std::lock_guard lock(mutex_);
+  const ports::Lock lock(mutex_);
   places_.insert_or_assign(key, std::move(place));
 }
 
@@ -115,30 +115,30 @@ std::optional<KeyPlace> Ledger::placed(ports::RegistryKey key) const {
       key == RegistryKey::users) {
     return KeyPlace{key, L"", 0};
   }
-  const std::lock_guard lock(mutex_);
+  const ports::Lock lock(mutex_);
   const auto found = places_.find(key);
   if (found == places_.end()) return std::nullopt;
   return found->second;
 }
 
 void Ledger::forget(ports::RegistryKey key) {
-  const std::lock_guard lock(mutex_);
+  const ports::Lock lock(mutex_);
   places_.erase(key);
 }
 
 void Ledger::pause() {
-  const std::lock_guard lock(mutex_);
+  const ports::Lock lock(mutex_);
   ++pauses_[std::this_thread::get_id()];
 }
 
 void Ledger::resume() {
-  const std::lock_guard lock(mutex_);
+  const ports::Lock lock(mutex_);
   const auto found = pauses_.find(std::this_thread::get_id());
   if (--found->second == 0) pauses_.erase(found);
 }
 
 bool Ledger::paused() const {
-  const std::lock_guard lock(mutex_);
+  const ports::Lock lock(mutex_);
   return pauses_.contains(std::this_thread::get_id());
 }
 
@@ -146,7 +146,7 @@ std::vector<Change> Ledger::changes() const {
   const KeptError kept(inner_.errors);
   std::map<Id, Entry> entries;
   {
-    const std::lock_guard lock(mutex_);
+    const ports::Lock lock(mutex_);
     entries = entries_;
   }
   std::vector<Change> found;
@@ -165,7 +165,7 @@ std::vector<Change> Ledger::changes() const {
 }
 
 std::vector<Action> Ledger::actions() const {
-  const std::lock_guard lock(mutex_);
+  const ports::Lock lock(mutex_);
   return actions_;
 }
 
@@ -173,7 +173,7 @@ std::vector<Deletion> Ledger::deletions() const {
   const KeptError kept(inner_.errors);
   std::vector<Attempt> attempts;
   {
-    const std::lock_guard lock(mutex_);
+    const ports::Lock lock(mutex_);
     attempts = attempts_;
   }
   std::vector<Deletion> found;

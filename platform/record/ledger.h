@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <functional>
 #include <map>
-#include <mutex>
 #include <optional>
 #include <set>
 #include <string>
@@ -11,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/ports/mutex.h"
 #include "platform/ports/system.h"
 #include "platform/record/change.h"
 #include "platform/record/look.h"
@@ -73,14 +73,14 @@ class Ledger {
   };
 
   const ports::System& inner_;
-  mutable std::mutex mutex_;
-  std::map<Id, Entry> entries_;
-  std::vector<Action> actions_;
-  std::vector<Attempt> attempts_;
-  std::map<Id, std::size_t> attempt_of_;
-  std::map<ports::Handle, std::wstring> names_;
-  std::map<ports::RegistryKey, KeyPlace> places_;
-  std::map<std::thread::id, int> pauses_;
+  mutable ports::Mutex mutex_;
+  std::map<Id, Entry> entries_ KY_GUARDED_BY(mutex_);
+  std::vector<Action> actions_ KY_GUARDED_BY(mutex_);
+  std::vector<Attempt> attempts_ KY_GUARDED_BY(mutex_);
+  std::map<Id, std::size_t> attempt_of_ KY_GUARDED_BY(mutex_);
+  std::map<ports::Handle, std::wstring> names_ KY_GUARDED_BY(mutex_);
+  std::map<ports::RegistryKey, KeyPlace> places_ KY_GUARDED_BY(mutex_);
+  std::map<std::thread::id, int> pauses_ KY_GUARDED_BY(mutex_);
 };
 
 /// Puts the calling thread's last error back at the end of its scope.
