@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string_view>
+
 #include "ky/install_command.h"
 
 /// How the library's build marks its exports; a host includes this header as it is.
@@ -26,5 +28,11 @@ namespace ky {
 
 /// Makes a new command, owned by the caller and released with `SelfFree`. Fails only by the allocator's exception.
 using Factory = CInstallCommand* (*)();
+
+/// A factory and the element name that it serves.
+struct NamedFactory {
+  std::string_view stem;
+  Factory make = nullptr;
+};
 
 }  // namespace ky

@@ -1,19 +1,12 @@
 #pragma once
 
 #include <span>
-#include <string_view>
 
 #include "ky/factories.h"
 #include "platform/ports/modules.h"
 
 /// The command library as a whole: its attachment to a host and its table of factories.
 namespace ky::library {
-
-/// A factory and the element name that it serves.
-struct NamedFactory {
-  std::string_view stem;
-  Factory make;
-};
 
 /// All exported factories, in the order of their stems.
 [[nodiscard]] std::span<const NamedFactory> factories();
