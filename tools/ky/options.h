@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace workbench {
+
+// What the command line asks for, one structure a subcommand. Paths are UTF-8, as they were given. An absent script key
+// is the one that the build was configured with.
+
+/// `ky keys new DIR`
+struct KeysNewOptions {
+  std::string folder;
+};
+
+/// `ky script compile IN -o OUT [--script-key FILE]`
+struct ScriptCompileOptions {
+  std::string in;
+  std::string out;
+  std::optional<std::string> script_key;
+};
+
+/// `ky script decompile IN -o OUT [--script-key FILE]`
+struct ScriptDecompileOptions {
+  std::string in;
+  std::string out;
+  std::optional<std::string> script_key;
+};
+
+/// `ky rehearse --machine M.json [--script S.xml] [--script-key FILE] [--out DIR] [--max-steps N] [-- switches]`
+struct RehearseOptions {
+  static constexpr std::uint64_t default_max_steps = 1'000'000;
+
+  std::string machine;
+  std::optional<std::string> script;  // absent: the edition's
+  std::optional<std::string> script_key;
+  std::optional<std::string> out;
+  std::uint64_t max_steps = default_max_steps;  // at least 1
+  std::vector<std::string> switches;
+};
+
+/// `ky run --script S.xml [--script-key FILE] [--key private.pem] [--out DIR] [-- switches]`
+struct RunOptions {
+  std::string script;
+  std::optional<std::string> script_key;
+  std::optional<std::string> log_key;  // the log's private key
+  std::optional<std::string> out;
+  std::vector<std::string> switches;
+};
+
+using Options = std::variant<KeysNewOptions, ScriptCompileOptions, ScriptDecompileOptions, RehearseOptions, RunOptions>;
+
+}  // namespace workbench
