@@ -84,8 +84,8 @@ class Core {
   /// The threads that got the right to run since the last call.
   [[nodiscard]] std::vector<ThreadId> take_granted();
 
-  /// For the real clock: does all that is due at `real`, and the time of what comes next.
-  void advance(Milliseconds real);
+  /// Moves the clock to `to` and does all that is due by then.
+  void advance(Milliseconds to);
   [[nodiscard]] std::optional<Milliseconds> next_due() const;
 
   /// Why nothing can go on, for people: nothing is due, or nothing before the horizon, or only repeating actions have

@@ -19,7 +19,8 @@ namespace machine {
 struct SchedulerOptions {
   Pace pace = Pace::serial;
   /// Called when nothing can go on, with every thread and what it waits for; on the thread that found out, without a
-  /// lock held. A rehearsal does not come back from it. Otherwise all waits then fail, and the run stays marked.
+  /// lock held. A rehearsal does not come back from it. Otherwise all waits then fail, and the run stays marked. It
+  /// must neither throw nor wait.
   std::function<void(const std::wstring&)> on_stall;
   /// Real time without any progress after which a blocked thread aborts the process, so that no test run hangs.
   std::chrono::milliseconds patience = std::chrono::minutes(2);
@@ -31,6 +32,23 @@ struct SchedulerOptions {
 /// Two rules for code that runs on it. No lock is held over a wait when another of the machine's threads may want that
 /// lock. And whatever is ended by another thread is waited for here; real work aside is bracketed by a `Hold`.
 class Scheduler {
+  /// That a real thread is one of a scheduler's. A thread has a stack of them, since it may use several machines.
+  class Place {
+   public:
+    Place(const Scheduler& owner, ThreadId id);
+    ~Place();
+    Place(const Place&) = delete;
+    Place& operator=(const Place&) = delete;
+
+    const Scheduler& owner;
+    const ThreadId id;
+
+   private:
+    friend class Scheduler;
+    static thread_local Place* top_;
+    Place* below_;
+  };
+
  public:
   explicit Scheduler(SchedulerOptions options = {});
   ~Scheduler();
@@ -42,13 +60,13 @@ class Scheduler {
   class Entered {
    public:
     Entered(Scheduler& scheduler, ThreadId id, std::wstring name = L"main");
-    ~Entered();
+    ~Entered();  // on the thread that made it
     Entered(const Entered&) = delete;
     Entered& operator=(const Entered&) = delete;
 
    private:
     Scheduler& scheduler_;
-    ThreadId id_;
+    Place place_;
   };
 
   /// The clock stands still while one lives. Taken by one of the machine's threads before real work starts elsewhere,
@@ -96,28 +114,36 @@ class Scheduler {
   [[nodiscard]] std::optional<std::wstring> stall();
 
  private:
-  struct Member;
+  struct Member {
+    ports::Condition condition;
+    std::thread thread;  // none for one that entered
+  };
+  using Instant = std::chrono::steady_clock::time_point;
 
   void enter(ThreadId id, std::wstring name);
-  void leave(ThreadId id);
-  void body_of(Member& member, std::unique_ptr<ports::ThreadBody> body);
+  void leave_entered(ThreadId id);
+  void run(ThreadId id, std::unique_ptr<ports::ThreadBody> body);
+  void join_ended();
+
+  [[nodiscard]] ThreadId member() KY_REQUIRES(mutex_);
   void block(ThreadId id) KY_REQUIRES(mutex_);
-  void settle() KY_REQUIRES(mutex_);
-  void catch_up() KY_REQUIRES(mutex_);
   void spin(bool may_yield) KY_REQUIRES(mutex_);
+  void catch_up() KY_REQUIRES(mutex_);
+  void settle() KY_REQUIRES(mutex_);
   void handle_stall() KY_REQUIRES(mutex_);
   void end_started() KY_REQUIRES(mutex_);
   [[noreturn]] void give_up(const char* why) KY_REQUIRES(mutex_);
-  [[nodiscard]] std::chrono::steady_clock::time_point deadline(std::chrono::steady_clock::time_point watch)
-      KY_REQUIRES(mutex_);
 
   const SchedulerOptions options_;
-  const std::chrono::steady_clock::time_point begin_;
+  const Instant begin_;
   ports::Mutex mutex_;
   Core core_ KY_GUARDED_BY(mutex_);
-  std::map<ThreadId, std::unique_ptr<Member>> members_ KY_GUARDED_BY(mutex_);
+  std::map<ThreadId, Member> members_ KY_GUARDED_BY(mutex_);
+  ports::Condition member_gone_;
   std::vector<std::thread> ended_ KY_GUARDED_BY(mutex_);
   std::size_t entered_ KY_GUARDED_BY(mutex_) = 0;
+  std::optional<Milliseconds> next_due_ KY_GUARDED_BY(mutex_);
+  bool stalling_ KY_GUARDED_BY(mutex_) = false;
   std::size_t stalls_ KY_GUARDED_BY(mutex_) = 0;
   std::optional<std::wstring> first_stall_ KY_GUARDED_BY(mutex_);
 };

@@ -19,8 +19,8 @@ struct Waitable {
       : kind(of_kind), label(std::move(label_for_people)), signalled(up) {}
 
   const WaitableKind kind;
-  const std::wstring label;  // "event 'refresh'", "process 'setup.exe' (id 412)": named when the machine stalls
-  bool signalled;            // changed through the scheduler alone
+  std::wstring label;  // "event 'refresh'", "process 'setup.exe' (id 412)"; set before the first wait
+  bool signalled;      // changed through the scheduler alone
 };
 
 }  // namespace machine
