@@ -60,10 +60,15 @@ TEST_F(CoreTest, AWaitEndsAtItsLimitAndNotBefore) {
   park(3, {manual}, 200);
   go();
   ASSERT_TRUE(core.runs(2)) << "of two due at one instant the one that was booked first";
-  EXPECT_EQ(core.now(), 200u);
   EXPECT_EQ(core.result(2), wait_result::timeout);
+  EXPECT_FALSE(core.runs(3)) << "in serial mode one at a time";
+  EXPECT_EQ(core.now(), 200u);
   park(2, {never});
-  ASSERT_FALSE(core.runs(3)) << "its limit is the same instant, but the first had to park again";
+  ASSERT_TRUE(core.runs(3));
+  EXPECT_EQ(core.now(), 200u);
+  park(3, {never});
+  ASSERT_TRUE(core.runs(1));
+  EXPECT_EQ(core.now(), 500u);
 }
 
 TEST_F(CoreTest, AnAutoEventServesTheOldestWaitAlone) {
