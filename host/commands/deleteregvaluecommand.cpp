@@ -1,0 +1,52 @@
+#include "host/commands/deleteregvaluecommand.h"
+
+#include "host/commands/attribute_reader.h"
+#include "host/deletion/registry_removal.h"
+#include "host/deletion/registry_target.h"
+#include "installer/desktop/commands/base/expand.h"
+#include "installer/desktop/commands/base/standard_shape.h"
+#include "platform/ports/codes.h"
+#include "platform/ports/system.h"
+
+namespace host {
+
+namespace {
+constexpr wchar_t log_name[] = L"DeleteRegValue";
+}
+
+std::uint32_t CDeleteRegValueCommand::LoadCiphered(ky::AttributeMap** map) {
+  const AttributeReader reader(map);
+  if (const std::uint32_t failure = reader.load_base(*this); failure != 0) return failure;
+  if (!reader.text(L"base", base) || !reader.text(L"subkey", subkey) || !reader.text(L"value", value)) {
+    return ports::code::invalid_parameter;
+  }
+  return ports::code::success;
+}
+
+std::uint32_t CDeleteRegValueCommand::Execute(std::uintptr_t, std::uintptr_t) {
+  return ky::InStandardShape(*this, guard, log_name, [this] { return Delete(); });
+}
+
+std::uint32_t CDeleteRegValueCommand::Delete() const {
+  std::wstring root;
+  std::wstring key;
+  std::wstring name;
+  if (ky::ExpandVariables(base, root) != ports::code::success ||
+      ky::ExpandVariables(subkey, key) != ports::code::success ||
+      ky::ExpandVariables(value, name) != ports::code::success) {
+    ky::Trace(L"%i: %s Error: '%s\\%s', value '%s' names an undefined variable.\n", index, log_name, base.c_str(),
+              subkey.c_str(), value.c_str());
+    return ports::code::gen_failure;
+  }
+  const RegistryTarget target = decide_registry_value(root, key);
+  if (target.refusal != nullptr) {
+    ky::Trace(L"%i: %s Error: '%s\\%s' is refused: %s.\n", index, log_name, root.c_str(), key.c_str(), target.refusal);
+    return ports::code::invalid_parameter;
+  }
+  const ports::ErrorCode result = RegistryRemoval(ports::system().registry).remove_value(target, name);
+  ky::Trace(L"%i: %s '%s\\%s', value '%s' result %u.\n", index, log_name, root.c_str(), key.c_str(), name.c_str(),
+            result);
+  return result;
+}
+
+}  // namespace host

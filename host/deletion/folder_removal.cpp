@@ -1,0 +1,208 @@
+#include "host/deletion/folder_removal.h"
+
+#include <array>
+
+#include "host/deletion/folder_target.h"
+#include "installer/desktop/commands/base/trace.h"
+#include "platform/ports/codes.h"
+#include "platform/ports/environment.h"
+
+namespace host {
+
+namespace {
+
+namespace access = ports::file_access;
+namespace attribute = ports::file_attribute;
+using ports::ErrorCode;
+
+/// Listing is asked for although reading attributes would do: only with it does the system heed what is shared, and the
+/// folder then cannot be renamed or replaced while it is held.
+constexpr std::uint32_t holding = access::list_directory | access::read_attributes;
+constexpr std::uint32_t deleting = holding | access::write_attributes | access::erase;
+
+bool is_absent(ErrorCode code) {
+  return code == ports::code::file_not_found || code == ports::code::path_not_found;
+}
+bool is_link(std::uint32_t attributes) {
+  return (attributes & attribute::reparse_point) != 0;
+}
+bool is_folder(std::uint32_t attributes) {
+  return (attributes & attribute::directory) != 0;
+}
+
+}  // namespace
+
+bool find_protected_folders(const ports::System& system, std::vector<std::wstring>& out) {
+  for (const ports::KnownFolder which : {ports::KnownFolder::windows, ports::KnownFolder::system,
+                                         ports::KnownFolder::program_files, ports::KnownFolder::common_app_data}) {
+    std::wstring folder = system.environment.folder(which);
+    if (folder.empty()) return false;
+    if (which == ports::KnownFolder::program_files) out.push_back(folder + L" (x86)");
+    if (which == ports::KnownFolder::windows) {
+      out.push_back(folder + L"\\SysWOW64");
+      out.push_back(folder.substr(0, 2) + L"\\Users");
+    }
+    out.push_back(std::move(folder));
+  }
+  return true;
+}
+
+ErrorCode FolderRemoval::remove(std::span<const std::wstring> steps) {
+  std::vector<OpenHandle> held;
+  held.reserve(steps.size());
+  for (const std::wstring& step : steps.first(steps.size() - 1)) {
+    const ErrorCode failure = hold(step, held);
+    if (is_absent(failure)) return ports::code::success;
+    if (failure != ports::code::success) {
+      ky::Trace(L"[DeleteFolder] '%s' cannot be passed, so nothing below it is deleted. Error %u\n", shown(step),
+                failure);
+      return failure;
+    }
+  }
+  return remove_top(steps.back(), held.back().get());
+}
+
+ErrorCode FolderRemoval::hold(const std::wstring& folder, std::vector<OpenHandle>& held) {
+  OpenHandle file = open(folder, holding);
+  if (!file.good()) return system_.errors.last();
+  std::uint32_t attributes = 0;
+  const ErrorCode failure = inspect(file, held.empty() ? ports::Handle::null : held.back().get(), attributes);
+  if (failure != ports::code::success) return failure;
+  if (is_link(attributes)) return ports::code::stopped_on_symlink;
+  // A file where a folder was expected: what lies below it is not there.
+  if (!is_folder(attributes)) return ports::code::path_not_found;
+  held.push_back(std::move(file));
+  return ports::code::success;
+}
+
+ErrorCode FolderRemoval::remove_top(const std::wstring& path, ports::Handle parent) {
+  OpenHandle top = open(path, deleting);
+  if (!top.good()) {
+    const ErrorCode code = system_.errors.last();
+    if (is_absent(code)) return ports::code::success;
+    stays(path, true, code);
+    return first_failure_;
+  }
+  std::uint32_t attributes = 0;
+  const ErrorCode failure = inspect(top, parent, attributes);
+  if (failure != ports::code::success) return failure;
+  if (!is_folder(attributes)) return ports::code::directory_name_invalid;
+  if (!is_link(attributes)) {
+    if (is_protected(top)) return ports::code::invalid_parameter;
+    if (options_.recursive) remove_children(path, top.get());
+  }
+  remove_open(std::move(top), path, attributes);
+  return first_failure_;
+}
+
+void FolderRemoval::remove_children(const std::wstring& folder, ports::Handle handle) {
+  ports::FolderRow row;
+  const ports::Handle search = system_.files.find_first((folder + L"\\*").c_str(), row);
+  if (search == ports::Handle::invalid) {
+    const ErrorCode code = system_.errors.last();
+    if (!is_absent(code)) stays(folder, true, code);
+    return;
+  }
+  std::vector<std::wstring> names;
+  do {
+    if (row.name != L"." && row.name != L"..") names.push_back(row.name);
+  } while (system_.files.find_next(search, row));
+  (void)system_.files.find_close(search);
+  for (const std::wstring& name : names) remove_child(folder + L'\\' + name, handle);
+}
+
+void FolderRemoval::remove_child(const std::wstring& path, ports::Handle parent) {
+  OpenHandle child = open(path, deleting);
+  if (!child.good()) {
+    const ErrorCode code = system_.errors.last();
+    // Whether it is a folder only matters for moving, and a folder that cannot be opened cannot be moved either.
+    if (!is_absent(code)) stays(path, is_folder(system_.files.attributes(path.c_str())), code);
+    return;
+  }
+  std::uint32_t attributes = 0;
+  const ErrorCode failure = inspect(child, parent, attributes);
+  if (failure != ports::code::success) {
+    if (first_failure_ == ports::code::success) first_failure_ = failure;
+    return;
+  }
+  if (is_folder(attributes) && !is_link(attributes)) remove_children(path, child.get());
+  remove_open(std::move(child), path, attributes);
+}
+
+void FolderRemoval::remove_open(OpenHandle file, const std::wstring& path, std::uint32_t attributes) {
+  ErrorCode code = ports::code::success;
+  {
+    const OpenHandle open = std::move(file);
+    if ((attributes & attribute::read_only) != 0) {
+      (void)system_.files.set_attributes_of(open.get(), attribute::normal);  // the deletion tells whether it worked
+    }
+    if (!system_.files.mark_deleted(open.get())) code = system_.errors.last();
+  }
+  if (code != ports::code::success) stays(path, is_folder(attributes), code);
+}
+
+void FolderRemoval::stays(const std::wstring& path, bool folder, ErrorCode code) {
+  // A full folder that is not to be emptied is not booked either: the system would pass it over.
+  const bool left_full = code == ports::code::directory_not_empty && !options_.recursive;
+  if (!left_full && put_aside(path, folder)) return;
+  ky::Trace(L"[DeleteFolder] '%s' stays. Error %u\n", shown(path), code);
+  if (first_failure_ == ports::code::success) first_failure_ = code;
+}
+
+bool FolderRemoval::put_aside(const std::wstring& path, bool folder) {
+  std::wstring place = path;
+  const bool moved = options_.move_to_temp && !folder && move_to_temporary(path, place);
+  if (moved) ky::Trace(L"[DeleteFolder] '%s' is moved to '%s'\n", shown(path), shown(place));
+  if (!options_.delete_after_reboot) return moved;
+  if (!system_.files.move(place.c_str(), nullptr, ports::move_flag::delay_until_reboot)) return moved;
+  ky::Trace(L"[DeleteFolder] '%s' goes at the next start\n", shown(place));
+  return true;
+}
+
+bool FolderRemoval::move_to_temporary(const std::wstring& path, std::wstring& moved) {
+  std::array<wchar_t, 261> folder{};
+  const std::uint32_t length = system_.files.temp_folder(folder);
+  if (length == 0 || length >= folder.size()) return false;
+  std::array<wchar_t, 260> name{};
+  if (system_.files.temp_file(folder.data(), L"ky_", 0, name) == 0) return false;
+  if (!system_.files.move(path.c_str(), name.data(), ports::move_flag::replace_existing)) {
+    (void)system_.files.remove(name.data());  // the empty file that held the name
+    return false;
+  }
+  moved = name.data();
+  return true;
+}
+
+OpenHandle FolderRemoval::open(const std::wstring& path, std::uint32_t wanted) {
+  return {system_.waits, system_.files.open(path.c_str(), wanted, ports::file_share::read | ports::file_share::write,
+                                            ports::Disposition::open_existing,
+                                            ports::open_flag::backup_semantics | ports::open_flag::open_reparse_point)};
+}
+
+ErrorCode FolderRemoval::inspect(const OpenHandle& file, ports::Handle parent, std::uint32_t& attributes) {
+  ports::FileInformation information;
+  // An empty folder can be made a link while it is open. Once something of it is open it is not empty any more, so a
+  // look at the parent now tells whether the way here was straight.
+  if (parent != ports::Handle::null) {
+    if (!system_.files.information(parent, information)) return system_.errors.last();
+    if (is_link(information.attributes)) return ports::code::stopped_on_symlink;
+  }
+  if (!system_.files.information(file.get(), information)) return system_.errors.last();
+  attributes = information.attributes;
+  return ports::code::success;
+}
+
+bool FolderRemoval::is_protected(const OpenHandle& folder) {
+  ports::FileIdentity own;
+  if (!system_.files.identity(folder.get(), own)) return false;  // a volume without identities: the path has to do
+  for (const std::wstring& path : protected_) {
+    const OpenHandle other(system_.waits,
+                           system_.files.open(path.c_str(), access::read_attributes, ports::file_share::all,
+                                              ports::Disposition::open_existing, ports::open_flag::backup_semantics));
+    ports::FileIdentity identity;
+    if (other.good() && system_.files.identity(other.get(), identity) && identity == own) return true;
+  }
+  return false;
+}
+
+}  // namespace host

@@ -1,0 +1,136 @@
+#include "host/deletion/registry_target.h"
+
+#include <algorithm>
+
+#include "installer/utils/base/strings/case_fold.h"
+
+namespace host {
+
+namespace {
+
+using base::strings::equal_ignoring_case;
+using ports::RegistryKey;
+
+struct Base {
+  std::wstring_view name;
+  RegistryKey root;
+};
+constexpr Base bases[] = {
+    {L"HKEY_CLASSES_ROOT", RegistryKey::classes_root},
+    {L"HKEY_CURRENT_USER", RegistryKey::current_user},
+    {L"HKEY_LOCAL_MACHINE", RegistryKey::local_machine},
+    {L"HKEY_USERS", RegistryKey::users},
+};
+
+struct Branch {
+  RegistryKey root;
+  std::wstring_view subkey;
+};
+// Parents of what products make, which an empty variable at the end of a subkey would leave as the target.
+constexpr Branch great_branches[] = {
+    {RegistryKey::local_machine, L"SOFTWARE\\Classes"},
+    {RegistryKey::local_machine, L"SOFTWARE\\Microsoft"},
+    {RegistryKey::local_machine, L"SOFTWARE\\Microsoft\\Windows"},
+    {RegistryKey::local_machine, L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion"},
+    {RegistryKey::local_machine, L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Run"},
+    {RegistryKey::local_machine, L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall"},
+    {RegistryKey::local_machine, L"SOFTWARE\\Microsoft\\Windows NT"},
+    {RegistryKey::local_machine, L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion"},
+    {RegistryKey::local_machine, L"SOFTWARE\\Policies"},
+    {RegistryKey::local_machine, L"SOFTWARE\\Wow6432Node"},
+    {RegistryKey::local_machine, L"SOFTWARE\\Wow6432Node\\Microsoft"},
+    {RegistryKey::local_machine, L"SYSTEM\\CurrentControlSet"},
+    {RegistryKey::local_machine, L"SYSTEM\\CurrentControlSet\\Control"},
+    {RegistryKey::local_machine, L"SYSTEM\\CurrentControlSet\\Services"},
+    {RegistryKey::current_user, L"Software\\Classes"},
+    {RegistryKey::current_user, L"Software\\Microsoft"},
+    {RegistryKey::current_user, L"Software\\Microsoft\\Windows"},
+    {RegistryKey::current_user, L"Software\\Microsoft\\Windows\\CurrentVersion"},
+    {RegistryKey::classes_root, L"*"},
+    {RegistryKey::classes_root, L"AppID"},
+    {RegistryKey::classes_root, L"CLSID"},
+    {RegistryKey::classes_root, L"Directory"},
+    {RegistryKey::classes_root, L"Drive"},
+    {RegistryKey::classes_root, L"Folder"},
+    {RegistryKey::classes_root, L"Interface"},
+    {RegistryKey::classes_root, L"TypeLib"},
+};
+
+std::vector<std::wstring> split(std::wstring_view subkey) {
+  std::vector<std::wstring> parts;
+  std::size_t begin = 0;
+  while (true) {
+    const std::size_t end = std::min(subkey.find(L'\\', begin), subkey.size());
+    parts.emplace_back(subkey.substr(begin, end - begin));
+    if (end == subkey.size()) return parts;
+    begin = end + 1;
+  }
+}
+
+std::wstring joined(std::span<const std::wstring> parts) {
+  std::wstring text;
+  for (const std::wstring& part : parts) {
+    if (!text.empty()) text += L'\\';
+    text += part;
+  }
+  return text;
+}
+
+bool is_great_branch(RegistryKey root, std::span<const std::wstring> parts) {
+  const std::wstring subkey = joined(parts);
+  return std::any_of(std::begin(great_branches), std::end(great_branches), [&](const Branch& branch) {
+    return branch.root == root && equal_ignoring_case(branch.subkey, subkey);
+  });
+}
+
+}  // namespace
+
+RegistryTarget decide_registry_value(std::wstring_view base, std::wstring_view subkey) {
+  const auto* const found =
+      std::find_if(std::begin(bases), std::end(bases), [base](const Base& row) { return row.name == base; });
+  if (found == std::end(bases)) return {L"the base is not the name of a root", RegistryKey::null, false, {}};
+
+  RegistryTarget target;
+  target.root = found->root;
+  if (target.root == RegistryKey::users && subkey.starts_with(L"*\\")) {
+    target.each_user = true;
+    subkey.remove_prefix(2);
+  }
+  if (subkey.ends_with(L'\\')) subkey.remove_suffix(1);
+  if (subkey.empty()) return {L"the subkey is empty", RegistryKey::null, false, {}};
+  target.parts = split(subkey);
+  for (const std::wstring& part : target.parts) {
+    if (part.empty()) return {L"a part of the subkey is empty", RegistryKey::null, false, {}};
+  }
+  return target;
+}
+
+RegistryTarget decide_registry_key(std::wstring_view base, std::wstring_view subkey) {
+  RegistryTarget target = decide_registry_value(base, subkey);
+  if (target.refusal != nullptr) return target;
+
+  // A path below HKEY_USERS names a user first; what follows is looked at as that user's.
+  RegistryKey root = target.root;
+  std::span<const std::wstring> parts = target.parts;
+  if (root == RegistryKey::users) {
+    root = RegistryKey::current_user;
+    if (!target.each_user) parts = parts.subspan(1);
+  }
+  const bool hive = parts.empty() || (root != RegistryKey::classes_root && parts.size() == 1);
+  if (hive || is_great_branch(root, parts)) target.refusal = L"the system needs this key";
+  return target;
+}
+
+bool is_user_key(std::wstring_view name) {
+  constexpr std::wstring_view classes = L"_Classes";
+  return name.size() < classes.size() || !equal_ignoring_case(name.substr(name.size() - classes.size()), classes);
+}
+
+std::uint32_t open_options(RegistryKey root, std::span<const std::wstring> parts, std::size_t position) {
+  const bool control_set = root == RegistryKey::local_machine && position == 1 && parts.size() > 2 &&
+                           equal_ignoring_case(parts[0], L"SYSTEM") &&
+                           equal_ignoring_case(parts[1], L"CurrentControlSet");
+  return control_set ? 0 : ports::registry_option::open_link;
+}
+
+}  // namespace host

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+namespace ports {
+class ScriptCipher;
+}
+
+namespace host {
+
+/// A ciphered name or value, or the reason why it is none.
+struct Deciphered {
+  /// Null where the text is good.
+  const char* fault = nullptr;
+  /// The plain text, UTF-8.
+  std::string plain;
+};
+
+/// Deciphers and checks the names and values of one script. Equal text is deciphered once, since a script says the same
+/// things over and over. The form is stricter than what a command's load takes: whatever passes here is safe there.
+class Decipherer {
+ public:
+  /// `key` is an imported key of `cipher`; both outlive this object.
+  Decipherer(ports::ScriptCipher& cipher, std::uintptr_t key) : cipher_(cipher), key_(key) {}
+  Decipherer(const Decipherer&) = delete;
+  Decipherer& operator=(const Decipherer&) = delete;
+
+  /// The result lives as long as this object.
+  [[nodiscard]] const Deciphered& decipher(std::wstring_view ciphered);
+
+ private:
+  /// What a Decrypter's buffers hold, the terminator included.
+  static constexpr std::size_t capacity = 512;
+
+  struct Hash {
+    using is_transparent = void;
+    std::size_t operator()(std::wstring_view text) const { return std::hash<std::wstring_view>{}(text); }
+  };
+
+  [[nodiscard]] Deciphered decipher_anew(std::wstring_view ciphered);
+
+  ports::ScriptCipher& cipher_;
+  std::uintptr_t key_;
+  std::unordered_map<std::wstring, Deciphered, Hash, std::equal_to<>> known_;
+};
+
+}  // namespace host

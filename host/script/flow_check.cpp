@@ -1,0 +1,48 @@
+#include "host/script/flow_check.h"
+
+#include <algorithm>
+#include <limits>
+#include <unordered_map>
+
+namespace host {
+
+namespace {
+
+std::string no_command_at(std::int32_t index) {
+  return "no command has index " + std::to_string(index);
+}
+
+}  // namespace
+
+std::vector<FlowFault> check_flow(std::span<const FlowPoint> points) {
+  std::vector<FlowFault> faults;
+  std::unordered_map<std::int32_t, std::size_t> owners;
+  owners.reserve(points.size());
+  std::int32_t last = -1;
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    const std::int32_t index = points[i].index;
+    const auto [owner, fresh] = owners.emplace(index, i);
+    if (index < 0 || index == std::numeric_limits<std::int32_t>::max()) {
+      faults.push_back({i, "index", "is out of range"});
+    } else if (!fresh) {
+      faults.push_back(
+          {i, "index",
+           "element " + std::to_string(owner->second + 1) + " has index " + std::to_string(index) + " already"});
+    }
+    last = std::max(last, index);
+  }
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    const FlowPoint& point = points[i];
+    if (point.target.has_value() && (*point.target < 0 || !owners.contains(*point.target))) {
+      faults.push_back({i, "target", no_command_at(*point.target)});
+    }
+    if (point.next >= 0) {
+      if (!owners.contains(point.next)) faults.push_back({i, "next", no_command_at(point.next)});
+    } else if (point.index >= 0 && point.index != last && !owners.contains(point.index + 1)) {
+      faults.push_back({i, "", "goes on to the index that follows it, and " + no_command_at(point.index + 1)});
+    }
+  }
+  return faults;
+}
+
+}  // namespace host

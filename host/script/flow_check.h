@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace host {
+
+/// Where one command stands and where it may go.
+struct FlowPoint {
+  std::int32_t index = 0;
+  std::int32_t next = -1;              // negative: the index that follows
+  std::optional<std::int32_t> target;  // of a jump
+};
+
+/// A place in the flow that leads nowhere.
+struct FlowFault {
+  std::size_t point = 0;
+  const char* attribute = "";  // empty: the way to the index that follows
+  std::string reason;
+};
+
+/// Checks that all indexes differ and lie between 0 and 2^31 - 2, and that every way leads to a command. A command
+/// without `next` at the greatest index is good: the script ends behind it. Points are the script's elements in their
+/// order.
+[[nodiscard]] std::vector<FlowFault> check_flow(std::span<const FlowPoint> points);
+
+}  // namespace host

@@ -1,0 +1,204 @@
+#include "host/script/script_loader.h"
+
+#include <cstdint>
+#include <exception>
+#include <utility>
+
+#include "host/script/command_rules.h"
+#include "installer/utils/base/strings/format.h"
+#include "installer/utils/base/strings/number.h"
+#include "installer/utils/base/strings/utf8.h"
+#include "platform/ports/codes.h"
+#include "platform/ports/system.h"
+
+namespace host {
+
+namespace {
+
+using base::strings::format;
+using base::strings::to_utf8;
+
+std::string code_text(ports::Result code) {
+  return format("0x%08X", static_cast<std::uint32_t>(code));
+}
+
+}  // namespace
+
+ScriptLoader::ScriptLoader(const ports::System& system, std::uintptr_t key, std::vector<const Factories*> sources)
+    : system_(system), sources_(std::move(sources)), decipherer_(system.cipher, key) {}
+
+ScriptLoader::~ScriptLoader() = default;
+
+LoadedScript ScriptLoader::load(std::string_view utf8) {
+  NodeOwner commands(system_.xml);
+  if (find_commands(utf8, commands)) {
+    load_elements(commands);
+    check_all_ways();
+    // A command that another's index keeps out is at fault already.
+    for (ProgramStep& step : loaded_) (void)script_.program.add(std::move(step));
+  }
+  return std::move(script_);
+}
+
+bool ScriptLoader::find_commands(std::string_view utf8, NodeOwner& commands) {
+  ports::Xml& xml = system_.xml;
+  NodeOwner document(xml);
+  std::wstring reason;
+  if (xml.parse(utf8, document.receive(), reason) != ports::code::ok || document.empty()) {
+    fault({}, {}, "the script is not well-formed XML: " + to_utf8(reason));
+    return false;
+  }
+  NodeOwner root(xml);
+  if (xml.root(document.get(), root.receive()) != ports::code::ok || xml.name(root.get(), name_) != ports::code::ok ||
+      name_ != L"install") {
+    fault({}, {}, "the script's root is not <install>");
+    return false;
+  }
+  if (xml.first_element(root.get(), commands.receive()) != ports::code::ok ||
+      xml.name(commands.get(), name_) != ports::code::ok || name_ != L"commands") {
+    fault({}, {}, "the script's <install> does not hold <commands>");
+    return false;
+  }
+  NodeOwner stranger(xml);
+  if (xml.next_element(commands.get(), stranger.receive()) != ports::code::nothing) {
+    fault({}, {}, "the script's <install> holds more than <commands>");
+    return false;
+  }
+  return true;
+}
+
+void ScriptLoader::load_elements(const NodeOwner& commands) {
+  ports::Xml& xml = system_.xml;
+  NodeOwner element(xml);
+  ports::Result result = xml.first_element(commands.get(), element.receive());
+  while (result == ports::code::ok) {
+    ++number_;
+    load_element(element.get());
+    ports::XmlNode* next = nullptr;
+    result = xml.next_element(element.get(), next);
+    element.reset(next);
+  }
+  if (result != ports::code::nothing) {
+    fault({}, {}, "the script cannot be read behind element " + std::to_string(number_) + ": " + code_text(result));
+  }
+}
+
+void ScriptLoader::load_element(ports::XmlNode* element) {
+  ports::Xml& xml = system_.xml;
+  // Wraps around, to be refused as an index, where a script names the greatest of all.
+  previous_index_ = static_cast<std::int32_t>(static_cast<std::uint32_t>(previous_index_) + 1);
+  MapOwner map(xml);
+  NodeOwner child(xml);
+  if (xml.name(element, name_) != ports::code::ok || xml.attributes(element, map.receive()) != ports::code::ok) {
+    fault({}, {}, "cannot be read");
+    return;
+  }
+  const Kind& kind = kind_of(name_);
+  FlowPoint point;
+  bool good = kind.fault == nullptr;
+  if (!good) fault(kind.name, {}, kind.fault);
+  if (xml.first_element(element, child.receive()) != ports::code::nothing) {
+    fault(kind.name, {}, "holds another element");
+    good = false;
+  }
+  if (!check_attributes(kind, map.get(), point) || !good) return;
+
+  CommandOwner command = load_command(kind, map);
+  if (command == nullptr) return;
+  previous_index_ = point.index = command->GetIndex();
+  point.next = command->next;
+  points_.push_back(point);
+  loaded_.push_back({kind.name, point.index, std::move(command)});
+}
+
+const ScriptLoader::Kind& ScriptLoader::kind_of(const std::wstring& ciphered_name) {
+  const auto known = kinds_.find(ciphered_name);
+  if (known != kinds_.end()) return known->second;
+
+  Kind kind;
+  const Deciphered& deciphered = decipherer_.decipher(ciphered_name);
+  kind.fault = deciphered.fault;
+  kind.name = kind.fault == nullptr ? deciphered.plain : to_utf8(ciphered_name);
+  if (kind.fault == nullptr) {
+    for (const Factories* const source : sources_) {
+      if (kind.make == nullptr) kind.make = source->find(kind.name);
+    }
+    if (kind.make == nullptr) kind.fault = "is not the name of a command";
+    kind.rule = rule_of(kind.name);
+  }
+  return kinds_.emplace(ciphered_name, std::move(kind)).first->second;
+}
+
+bool ScriptLoader::check_attributes(const Kind& kind, ky::AttributeMap* map, FlowPoint& point) {
+  attribute_names_.clear();
+  bool good = true;
+  std::int32_t length = 0;
+  ports::Result result = system_.xml.length(map, length);
+  for (std::int32_t i = 0; result == ports::code::ok && i < length; ++i) {
+    NodeOwner attribute(system_.xml);
+    result = system_.xml.item(map, i, attribute.receive());
+    if (result == ports::code::ok) good &= check_attribute(kind, attribute.get(), point);
+  }
+  if (result != ports::code::ok) {
+    fault(kind.name, {}, "has attributes that cannot be read: " + code_text(result));
+    return false;
+  }
+  if (kind.rule != nullptr) {
+    std::string missing = missing_attribute(*kind.rule, attribute_names_);
+    if (!missing.empty()) {
+      fault(kind.name, {}, std::move(missing));
+      good = false;
+    }
+  }
+  return good;
+}
+
+bool ScriptLoader::check_attribute(const Kind& kind, ports::XmlNode* attribute, FlowPoint& point) {
+  attribute_names_.emplace_back();
+  std::wstring& name = attribute_names_.back();
+  if (system_.xml.name(attribute, name) != ports::code::ok || system_.xml.text(attribute, text_) != ports::code::ok) {
+    fault(kind.name, to_utf8(name), "cannot be read");
+    return false;
+  }
+  const Deciphered& value = decipherer_.decipher(text_);
+  if (value.fault != nullptr) {
+    fault(kind.name, to_utf8(name), value.fault);
+    return false;
+  }
+  if (name == L"target") point.target = base::strings::to_integer(base::strings::to_wide(value.plain).c_str());
+  return true;
+}
+
+CommandOwner ScriptLoader::load_command(const Kind& kind, MapOwner& map) {
+  CommandOwner command(kind.make());
+  command->SetIndex(previous_index_);
+  ky::AttributeMap* handed_over = map.give_up();
+  std::uint32_t result = 0;
+  try {
+    result = command->LoadCiphered(&handed_over);
+  } catch (const std::exception& error) {
+    fault(kind.name, {}, std::string("its load failed: ") + error.what());
+    return nullptr;
+  } catch (...) {
+    fault(kind.name, {}, "its load failed");
+    return nullptr;
+  }
+  if (result == 0) return command;
+  fault(kind.name, {}, "its load failed with code " + std::to_string(result));
+  return nullptr;
+}
+
+void ScriptLoader::fault(const std::string& name, std::string attribute, std::string reason) {
+  script_.faults.push_back({number_, name, std::move(attribute), std::move(reason)});
+}
+
+void ScriptLoader::check_all_ways() {
+  // Where an element could not be loaded its index is not known, so every way past it would look lost as well.
+  if (!script_.faults.empty()) return;
+  for (FlowFault& lost : check_flow(points_)) {
+    number_ = lost.point + 1;
+    fault(loaded_[lost.point].name, lost.attribute, std::move(lost.reason));
+  }
+}
+
+}  // namespace host
