@@ -1,0 +1,28 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace rehearsal {
+
+/// The folder that receives a run's files. Without one nothing is written.
+class OutputFolder {
+ public:
+  /// Makes the folder; throws `workbench::BadInput` where that fails.
+  explicit OutputFolder(std::optional<std::string> path);
+
+  /// Writes one file whole. Gives the empty string or, in one line, what went wrong.
+  [[nodiscard]] std::string write(const std::string& name, std::string_view bytes);
+
+  [[nodiscard]] std::string path() const { return path_.value_or(""); }
+  /// Names of the files that were written.
+  [[nodiscard]] const std::vector<std::string>& files() const { return files_; }
+
+ private:
+  std::optional<std::string> path_;
+  std::vector<std::string> files_;
+};
+
+}  // namespace rehearsal

@@ -1,0 +1,64 @@
+#include "tools/ky/rehearse/rehearse.h"
+
+#include <cstdlib>
+#include <memory>
+#include <ostream>
+
+#include "platform/desk/desk.h"
+#include "platform/machine/machine.h"
+#include "platform/ports/build.h"
+#include "resources/edition.h"
+#include "tools/ky/bad_input.h"
+#include "tools/ky/rehearse/report.h"
+#include "tools/ky/rehearse/run_and_report.h"
+#include "tools/ky/rehearse/script_run.h"
+#include "tools/ky/rehearse/script_source.h"
+#include "tools/ky/rehearse/switched_environment.h"
+
+namespace workbench {
+
+namespace {
+
+constexpr std::uintmax_t machine_size_limit = 64u << 20;
+
+/// Loads the machine; `on_stop` is called where its process would stop, and does not return.
+std::unique_ptr<machine::Machine> load_machine(const RehearseOptions& options,
+                                               std::function<void(const ports::StopReason&)> on_stop) {
+  std::string text;
+  if (const std::string reason = desk::read_file(options.machine, machine_size_limit, text); !reason.empty()) {
+    throw BadInput(reason);
+  }
+  machine::Options how;
+  how.max_steps = options.max_steps;
+  how.on_stop = std::move(on_stop);
+  try {
+    return machine::Machine::from_json(text, options.machine, std::move(how));
+  } catch (const machine::DocumentError& error) {
+    throw BadInput(error.what());
+  }
+}
+
+}  // namespace
+
+int rehearse(const RehearseOptions& options, std::ostream& out, std::ostream& err) {
+  std::function<void(const ports::StopReason&)> on_stop;
+  const auto world = load_machine(options, [&on_stop](const ports::StopReason& reason) { on_stop(reason); });
+  const auto engines = ports::make_engines(world->errors());
+  const auto source = rehearsal::script_source(options.script, options.script_key, engines->cipher());
+  world->add_resource(edition::document_type, edition::script_id, source.bytes);
+  world->add_resource(edition::document_type, edition::configuration_id, edition::configuration());
+
+  ports::System system = world->system(*engines);
+  rehearsal::SwitchedEnvironment environment(system.environment, options.switches);
+  rehearsal::ScriptRun run(rehearsal::with(system, environment, system.termination));
+  rehearsal::OutputFolder folder(options.out);
+  rehearsal::Report report("Rehearsal of " + source.title + " on " + options.machine, folder, out, err);
+  report.add_file("machine.json", [&world] { return world->to_json(); });
+  on_stop = [&](const ports::StopReason& reason) {
+    report.finish(run.stopped(reason));
+    std::_Exit(EXIT_FAILURE);
+  };
+  return rehearsal::run_and_report(run, source, report, err);
+}
+
+}  // namespace workbench

@@ -1,0 +1,25 @@
+#include "tools/ky/rehearse/report.h"
+
+#include <ostream>
+
+#include "tools/ky/rehearse/result_json.h"
+#include "tools/ky/rehearse/summary.h"
+
+namespace rehearsal {
+
+int Report::finish(const Outcome& outcome) {
+  bool written = write("result.json", to_json(outcome));
+  if (keep_log_) written = write("log.txt", log_) && written;
+  if (extra_) written = write(extra_name_, extra_()) && written;
+  print_summary({title_, folder_.path(), folder_.files()}, outcome, out_);
+  out_.flush();
+  return written && went_well(outcome) ? 0 : 1;
+}
+
+bool Report::write(const std::string& name, const std::string& bytes) {
+  const std::string reason = folder_.write(name, bytes);
+  if (!reason.empty()) err_ << "ky: " << reason << '\n';
+  return reason.empty();
+}
+
+}  // namespace rehearsal

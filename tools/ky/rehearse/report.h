@@ -1,0 +1,46 @@
+#pragma once
+
+#include <functional>
+#include <iosfwd>
+#include <string>
+
+#include "tools/ky/rehearse/outcome.h"
+#include "tools/ky/rehearse/output_folder.h"
+
+namespace rehearsal {
+
+/// Collects what a run leaves for the desk, and writes it at the end: in the ordinary way, or in the moment in which the
+/// process stops.
+class Report {
+ public:
+  /// `title` heads the summary on `out`; failures to write go to `err`.
+  Report(std::string title, OutputFolder& folder, std::ostream& out, std::ostream& err)
+      : title_(std::move(title)), folder_(folder), out_(out), err_(err) {}
+
+  /// Appends a record to the clear-text log.
+  void log(std::string_view record) { log_ += record; }
+  /// A further file, made when the run has ended.
+  void add_file(std::string name, std::function<std::string()> content) {
+    extra_name_ = std::move(name);
+    extra_ = std::move(content);
+  }
+  /// Whether log.txt is written; it is unless the run's log is to stay sealed.
+  void keep_log(bool keep) { keep_log_ = keep; }
+
+  /// Writes the files and the summary. Gives the exit code: 0 when the run went well, else 1.
+  int finish(const Outcome& outcome);
+
+ private:
+  bool write(const std::string& name, const std::string& bytes);
+
+  std::string title_;
+  OutputFolder& folder_;
+  std::ostream& out_;
+  std::ostream& err_;
+  std::string log_;
+  bool keep_log_ = true;
+  std::string extra_name_;
+  std::function<std::string()> extra_;
+};
+
+}  // namespace rehearsal

@@ -1,0 +1,104 @@
+#include "tools/ky/rehearse/script_run.h"
+
+#include <string_view>
+
+#include "installer/desktop/module/library.h"
+#include "installer/utils/base/strings/utf8.h"
+#include "ky/keys.h"
+#include "tools/ky/rehearse/environment_keys.h"
+
+namespace rehearsal {
+
+namespace {
+
+/// The exit code of a process that stopped through its door.
+constexpr std::int32_t stopped_code = 1;
+
+std::map<std::string, GlobalValue> globals_of(const host::Store& store) {
+  std::map<std::string, GlobalValue> globals;
+  for (const host::StoredKey& key : store.keys()) {
+    const std::string_view name = key.name;
+    if (name.starts_with(ky::int_prefix)) {
+      globals[key.name] = ky::FromStored<std::int32_t>(key.value);
+    } else if (name.starts_with(ky::string_prefix)) {
+      const auto* const text = ky::FromStored<ky::CString*>(key.value);
+      globals[key.name] = text == nullptr ? GlobalValue() : GlobalValue(std::wstring(text->value));
+    }
+  }
+  return globals;
+}
+
+std::string describe_end(const host::RunResult& result) {
+  switch (result.end) {
+    case host::RunEnd::finished: return {};
+    case host::RunEnd::stopped: return "a command failed and set int_ReturnCode";
+    case host::RunEnd::exception: return "an exception left the command: " + result.reason;
+    case host::RunEnd::lost: return result.reason;
+  }
+  return {};
+}
+
+}  // namespace
+
+ScriptRun::ScriptRun(const ports::System& world)
+    : recorder_(world),
+      library_(ky::library::factories()),
+      session_(std::make_unique<host::Session>(recorder_.system(), library_)) {}
+
+ScriptRun::~ScriptRun() = default;
+
+std::vector<std::string> ScriptRun::prepare(std::string_view script, const host::ScriptKey& key, PlainLog::Sink log) {
+  const record::Recorder::Pause unnoted(recorder_);
+  if (std::string reason = session_->start(key); !reason.empty()) return {std::move(reason)};
+  if (log) {
+    ky::ILoggerApi* const plain = new PlainLog(recorder_.system().clock, std::move(log));
+    session_->store().put(ky::keys::SelfFree_LoggerApi.name, ky::ToStored(plain));
+  }
+  std::vector<std::string> reasons;
+  for (const host::ScriptFault& fault : session_->load(script)) reasons.push_back(host::describe(fault));
+  return reasons;
+}
+
+Outcome ScriptRun::run(const Progress& progress) {
+  progress_ = progress;
+  const host::RunResult result = session_->run(*this);
+  Outcome outcome = seen_so_far();
+  outcome.return_code = session_->return_code();
+  outcome.ended_early = describe_end(result);
+  session_->release();
+  gather_changes(outcome);
+  return outcome;
+}
+
+Outcome ScriptRun::stopped(const ports::StopReason& reason) const {
+  Outcome outcome = seen_so_far();
+  outcome.return_code = stopped_code;
+  outcome.stopped = Stop{current_.index, current_.name, base::strings::to_utf8(reason.text)};
+  gather_changes(outcome);
+  return outcome;
+}
+
+void ScriptRun::before(const host::ProgramStep& step) {
+  current_ = {step.index, step.name, true, 0, -1};
+  if (progress_) progress_(commands_.size() + 1, step.name);
+}
+
+void ScriptRun::after(const host::ProgramStep& step, const host::StepOutcome& outcome) {
+  commands_.push_back({step.index, step.name, outcome.run, outcome.result, outcome.next});
+}
+
+Outcome ScriptRun::seen_so_far() const {
+  Outcome outcome;
+  outcome.commands = commands_;
+  outcome.globals = globals_of(session_->store());
+  outcome.environment = environment_keys(outcome.globals);
+  return outcome;
+}
+
+void ScriptRun::gather_changes(Outcome& outcome) const {
+  outcome.changes = recorder_.changes();
+  outcome.actions = recorder_.actions();
+  outcome.deletions = recorder_.deletions();
+}
+
+}  // namespace rehearsal

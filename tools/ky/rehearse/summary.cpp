@@ -1,0 +1,114 @@
+#include "tools/ky/rehearse/summary.h"
+
+#include <algorithm>
+#include <array>
+#include <map>
+#include <ostream>
+
+#include "installer/utils/base/strings/utf8.h"
+
+namespace rehearsal {
+
+namespace {
+
+using base::strings::to_utf8;
+
+/// What became of the things of one kind.
+struct ChangeCount {
+  std::size_t removed = 0;
+  std::size_t added = 0;
+  std::size_t altered = 0;
+};
+
+const std::map<std::string, std::array<const char*, 2>, std::less<>> kind_words = {
+    {"file", {"file", "files"}},
+    {"folder", {"folder", "folders"}},
+    {"link", {"link", "links"}},
+    {"registry-key", {"registry key", "registry keys"}},
+    {"registry-value", {"registry value", "registry values"}},
+    {"delayed-move", {"move booked for the next start", "moves booked for the next start"}},
+};
+
+std::string counted(std::size_t count, const std::string& kind) {
+  const auto words = kind_words.find(kind);
+  return std::to_string(count) + " " + (words == kind_words.end() ? kind : words->second[count == 1 ? 0 : 1]);
+}
+
+void print_commands(const Outcome& outcome, std::ostream& out) {
+  const auto run = std::count_if(outcome.commands.begin(), outcome.commands.end(), [](const auto& c) { return c.run; });
+  const auto failed = std::count_if(outcome.commands.begin(), outcome.commands.end(),
+                                    [](const auto& c) { return c.run && c.result != 0; });
+  out << "  Commands     " << run << " run, " << outcome.commands.size() - static_cast<std::size_t>(run) << " skipped";
+  if (failed != 0) out << "; " << failed << " with a result other than 0";
+  out << '\n';
+  for (const CommandRun& command : outcome.commands) {
+    if (command.run && command.result != 0) {
+      out << "                 " << command.index << ": " << command.name << " gave " << command.result << '\n';
+    }
+  }
+}
+
+void print_changes(const Outcome& outcome, std::ostream& out) {
+  std::map<std::string, ChangeCount> by_kind;
+  for (const record::Change& change : outcome.changes) {
+    ChangeCount& count = by_kind[change.kind];
+    ++(!change.after ? count.removed : !change.before ? count.added : count.altered);
+  }
+  out << "  Changes      " << (by_kind.empty() ? "none\n" : "");
+  const char* indent = "";
+  for (const auto& [kind, count] : by_kind) {
+    const char* separator = "";
+    out << indent;
+    const auto part = [&](std::size_t number, const char* what) {
+      if (number == 0) return;
+      out << separator << counted(number, kind) << " " << what;
+      separator = ", ";
+    };
+    part(count.removed, "removed");
+    part(count.added, "added");
+    part(count.altered, "altered");
+    out << '\n';
+    indent = "               ";
+  }
+}
+
+void print_deletions(const Outcome& outcome, Fate fate, const char* heading, std::ostream& out) {
+  const char* indent = heading;
+  for (const record::Deletion& deletion : outcome.deletions) {
+    if (fate_of(deletion) != fate) continue;
+    out << indent << to_utf8(deletion.path);
+    if (fate == Fate::remains) out << "  (" << deletion.kind << ", error " << deletion.code << ")";
+    out << '\n';
+    indent = "               ";
+  }
+}
+
+void print_end(const Outcome& outcome, std::ostream& out) {
+  if (outcome.stopped) {
+    out << "  Stopped      at " << outcome.stopped->index << ": " << outcome.stopped->command << ": "
+        << outcome.stopped->reason << '\n';
+  }
+  if (!outcome.ended_early.empty()) out << "  Ended early  " << outcome.ended_early << '\n';
+  out << "  Return code  " << outcome.return_code << '\n';
+}
+
+}  // namespace
+
+void print_summary(const SummaryFrame& frame, const Outcome& outcome, std::ostream& out) {
+  out << frame.title << "\n\n";
+  print_commands(outcome, out);
+  print_changes(outcome, out);
+  for (const record::Action& action : outcome.actions) {
+    out << "  Done         " << action.kind << ": " << to_utf8(action.text) << '\n';
+  }
+  print_deletions(outcome, Fate::removed, "  Removed      ", out);
+  print_deletions(outcome, Fate::absent, "  Was absent   ", out);
+  print_deletions(outcome, Fate::remains, "  Still there  ", out);
+  print_end(outcome, out);
+  if (frame.files.empty()) return;
+  out << "  Files        " << frame.folder << ":";
+  for (const std::string& file : frame.files) out << " " << file;
+  out << '\n';
+}
+
+}  // namespace rehearsal

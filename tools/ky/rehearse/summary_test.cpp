@@ -1,0 +1,37 @@
+#include "tools/ky/rehearse/summary.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace rehearsal {
+namespace {
+
+TEST(Summary, ShowsCommandsChangesDeletionsAndTheEnd) {
+  Outcome outcome;
+  outcome.return_code = 1359;
+  outcome.commands = {{0, "Nop", true, 0, 1}, {1, "RunCommand", true, 2, 2}, {2, "Jump", false, 0, 3}};
+  outcome.changes = {{"file", L"C:\\a", L"", std::nullopt},
+                     {"file", L"C:\\b", L"", std::nullopt},
+                     {"file", L"C:\\c", L"x", L"y"},
+                     {"registry-key", L"HKEY_LOCAL_MACHINE\\a", L"", std::nullopt}};
+  outcome.deletions = {{"file", L"C:\\a", 0, true}, {"file", L"C:\\n", 2, true}, {"folder", L"C:\\held", 32, false}};
+  outcome.stopped = Stop{7, "Jump", "no text"};
+  std::ostringstream out;
+  print_summary({"Title", "out", {"result.json", "log.txt"}}, outcome, out);
+  EXPECT_EQ(out.str(),
+            "Title\n\n"
+            "  Commands     2 run, 1 skipped; 1 with a result other than 0\n"
+            "                 1: RunCommand gave 2\n"
+            "  Changes      2 files removed, 1 file altered\n"
+            "               1 registry key removed\n"
+            "  Removed      C:\\a\n"
+            "  Was absent   C:\\n\n"
+            "  Still there  C:\\held  (folder, error 32)\n"
+            "  Stopped      at 7: Jump: no text\n"
+            "  Return code  1359\n"
+            "  Files        out: result.json log.txt\n");
+}
+
+}  // namespace
+}  // namespace rehearsal

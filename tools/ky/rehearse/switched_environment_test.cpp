@@ -1,0 +1,25 @@
+#include "tools/ky/rehearse/switched_environment.h"
+
+#include <gtest/gtest.h>
+
+namespace rehearsal {
+namespace {
+
+TEST(SwitchedEnvironment, TakesTheProgramOffACommandLine) {
+  EXPECT_EQ(program_part(L"\"C:\\a b\\x.exe\" /q"), L"\"C:\\a b\\x.exe\"");
+  EXPECT_EQ(program_part(L"x.exe /q"), L"x.exe");
+  EXPECT_EQ(program_part(L"x.exe"), L"x.exe");
+  EXPECT_EQ(program_part(L"\"open"), L"\"open");
+}
+
+TEST(SwitchedEnvironment, QuotesWhatTheRuntimeWouldSplit) {
+  EXPECT_EQ(quoted(L"/silent"), L"/silent");
+  EXPECT_EQ(quoted(L""), L"\"\"");
+  EXPECT_EQ(quoted(L"a b"), L"\"a b\"");
+  EXPECT_EQ(quoted(L"say \"x\""), L"\"say \\\"x\\\"\"");
+  EXPECT_EQ(quoted(L"a b\\"), L"\"a b\\\\\"");
+  EXPECT_EQ(quoted(L"a\\\"b"), L"\"a\\\\\\\"b\"");
+}
+
+}  // namespace
+}  // namespace rehearsal
