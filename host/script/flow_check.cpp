@@ -31,14 +31,19 @@ std::vector<FlowFault> check_flow(std::span<const FlowPoint> points) {
     }
     last = std::max(last, index);
   }
+  // Running past the greatest index is how a script ends.
+  const auto leads_somewhere = [&owners, last](std::int32_t index) {
+    return index >= 0 && (owners.contains(index) || index - 1 == last);
+  };
   for (std::size_t i = 0; i < points.size(); ++i) {
     const FlowPoint& point = points[i];
-    if (point.target.has_value() && (*point.target < 0 || !owners.contains(*point.target))) {
+    if (point.target.has_value() && !leads_somewhere(*point.target)) {
       faults.push_back({i, "target", no_command_at(*point.target)});
     }
     if (point.next >= 0) {
-      if (!owners.contains(point.next)) faults.push_back({i, "next", no_command_at(point.next)});
-    } else if (point.index >= 0 && point.index != last && !owners.contains(point.index + 1)) {
+      if (!leads_somewhere(point.next)) faults.push_back({i, "next", no_command_at(point.next)});
+    } else if (point.index >= 0 && point.index < std::numeric_limits<std::int32_t>::max() &&
+               !leads_somewhere(point.index + 1)) {
       faults.push_back({i, "", "goes on to the index that follows it, and " + no_command_at(point.index + 1)});
     }
   }

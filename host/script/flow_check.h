@@ -23,9 +23,8 @@ struct FlowFault {
   std::string reason;
 };
 
-/// Checks that all indexes differ and lie between 0 and 2^31 - 2, and that every way leads to a command. A command
-/// without `next` at the greatest index is good: the script ends behind it. Points are the script's elements in their
-/// order.
+/// Checks that all indexes differ and lie between 0 and 2^31 - 2, and that every way leads to a command or to the index
+/// behind the greatest, where the script ends. Points are the script's elements in their order.
 [[nodiscard]] std::vector<FlowFault> check_flow(std::span<const FlowPoint> points);
 
 }  // namespace host

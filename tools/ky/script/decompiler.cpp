@@ -96,14 +96,18 @@ std::string id_of(std::int32_t index) {
 void name_targets(PlainScript& script) {
   const std::vector<std::int32_t> indexes = indexes_of(script);
   const std::unordered_set<std::int32_t> present(indexes.begin(), indexes.end());
+  const std::int32_t last = indexes.empty() ? -1 : *std::max_element(indexes.begin(), indexes.end());
   std::unordered_set<std::int32_t> named;
   for (PlainElement& element : script.elements) {
     for (PlainAttribute& attribute : element.attributes) {
       const auto number = is_way(attribute.name) ? whole_integer(attribute.value) : std::nullopt;
-      if (!number.has_value() || *number < 0 || !present.contains(*number)) continue;
-      if (std::to_string(*number) != attribute.value) continue;
-      named.insert(*number);
-      attribute.value = '#' + id_of(*number);
+      if (!number.has_value() || *number < 0 || std::to_string(*number) != attribute.value) continue;
+      if (present.contains(*number)) {
+        named.insert(*number);
+        attribute.value = '#' + id_of(*number);
+      } else if (*number - 1 == last) {
+        attribute.value = '#' + std::string(end_id);
+      }
     }
   }
   for (std::size_t i = 0; i < indexes.size(); ++i) {

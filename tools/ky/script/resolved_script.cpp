@@ -7,9 +7,9 @@
 #include <utility>
 
 #include "host/script/command_rules.h"
+#include "host/script/encipher.h"
 #include "host/script/flow_check.h"
 #include "installer/utils/base/strings/utf8.h"
-#include "tools/ky/script/text_cipher.h"
 
 namespace script {
 
@@ -44,9 +44,9 @@ class Resolver {
     std::vector<std::wstring> names;
     for (const PlainAttribute& attribute : element.attributes) {
       names.push_back(base::strings::to_wide(attribute.name));
-      if (attribute.value.size() > max_text_size) {
+      if (attribute.value.size() > host::longest_plain_value) {
         fault(attribute.at, quoted(attribute.name) + " has " + std::to_string(attribute.value.size()) +
-                                " bytes, and a value may have " + std::to_string(max_text_size));
+                                " bytes, and a value may have " + std::to_string(host::longest_plain_value));
       }
     }
     const host::CommandRule* const rule = host::rule_of(element.name);
@@ -71,6 +71,7 @@ class Resolver {
       index = number.value_or(index);
     }
     previous_index_ = index;
+    last_index_ = std::max(last_index_, index);
     points_.push_back({index, -1, std::nullopt});
   }
 
@@ -79,6 +80,7 @@ class Resolver {
                                     [](const PlainAttribute& each) { return each.name == id_attribute; });
     if (found == element.attributes.end()) return;
     if (found->value.empty()) fault(found->at, "\"id\" is empty");
+    if (found->value == end_id) fault(found->at, "the id \"end\" stands for the end of the script");
     const auto [owner, fresh] = ids_.emplace(found->value, Named{points_.back().index, found->at});
     if (!fresh) {
       fault(found->at, "the id " + quoted(found->value) + " is taken by the element in line " +
@@ -102,11 +104,15 @@ class Resolver {
   }
 
   void resolve_id(PlainAttribute& attribute) {
-    const auto found = ids_.find(attribute.value.substr(1));
-    if (found == ids_.end()) {
-      fault(attribute.at, "no element has the id " + quoted(attribute.value.substr(1)));
-    } else {
+    const std::string id = attribute.value.substr(1);
+    const auto found = ids_.find(id);
+    if (id == end_id) {
+      // Wraps around where the greatest index is out of range anyway.
+      attribute.value = std::to_string(static_cast<std::int32_t>(static_cast<std::uint32_t>(last_index_) + 1));
+    } else if (found != ids_.end()) {
       attribute.value = std::to_string(found->second.index);
+    } else {
+      fault(attribute.at, "no element has the id " + quoted(id));
     }
   }
 
@@ -129,6 +135,7 @@ class Resolver {
   std::vector<host::FlowPoint> points_;
   std::unordered_map<std::string, Named> ids_;
   std::int32_t previous_index_ = -1;
+  std::int32_t last_index_ = -1;
   bool indexes_known_ = true;
 };
 

@@ -12,6 +12,9 @@ namespace script {
 /// The attribute that names an element for its author alone.
 inline constexpr std::string_view id_attribute = "id";
 
+/// The id that no element has: the index behind the greatest, where the script ends.
+inline constexpr std::string_view end_id = "end";
+
 /// True for the attributes that hold the index of another command.
 [[nodiscard]] constexpr bool is_way(std::string_view attribute) {
   return attribute == "target" || attribute == "next";

@@ -1,9 +1,6 @@
 #include "tools/ky/script/text_cipher.h"
 
-#include <span>
-#include <vector>
-
-#include "host/script/base64.h"
+#include "host/script/encipher.h"
 #include "tools/ky/bad_input.h"
 
 namespace script {
@@ -14,15 +11,8 @@ TextCipher::TextCipher(ports::ScriptCipher& cipher, const host::ScriptKey& key)
 }
 
 std::string TextCipher::encipher(std::string_view plain) const {
-  const std::vector<std::uint8_t> bytes(plain.begin(), plain.end());
-  const std::vector<std::uint8_t> enciphered = cipher_.encrypt(key_, bytes);
-  if (enciphered.empty()) throw workbench::BadInput("the cipher does not encipher with the script key");
-  std::string text = "_" + host::encode_base64(enciphered);
-  for (char& c : text) {
-    if (c == '+') c = '-';
-    if (c == '/') c = '_';
-    if (c == '=') c = '.';
-  }
+  std::string text = host::encipher(cipher_, key_, plain);
+  if (text.empty()) throw workbench::BadInput("the cipher does not encipher with the script key");
   return text;
 }
 

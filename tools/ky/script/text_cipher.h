@@ -9,9 +9,6 @@
 
 namespace script {
 
-/// The longest text that a host deciphers, in bytes of UTF-8: more would not fit its buffer of 511 base64 characters.
-inline constexpr std::size_t max_text_size = 367;
-
 /// Enciphers names and values with one key.
 class TextCipher {
  public:
