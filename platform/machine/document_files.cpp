@@ -1,0 +1,263 @@
+#include <algorithm>
+#include <array>
+#include <set>
+#include <utility>
+
+#include "platform/machine/base64.h"
+#include "platform/machine/document_sections.h"
+#include "platform/machine/file_lookup.h"
+#include "platform/machine/file_rules.h"
+#include "platform/machine/unicode.h"
+
+namespace machine {
+
+namespace {
+
+namespace attribute = ports::file_attribute;
+
+struct Bit {
+  const char* name;
+  std::uint32_t bit;
+};
+constexpr std::array<Bit, 7> attribute_names = {{{"read_only", attribute::read_only},
+                                                 {"hidden", attribute::hidden},
+                                                 {"system", attribute::system},
+                                                 {"archive", attribute::archive},
+                                                 {"temporary", attribute::temporary},
+                                                 {"offline", 0x1000},
+                                                 {"not_indexed", 0x2000}}};
+constexpr std::array<Bit, 3> access_names = {{{"read", file_right::read_data},
+                                              {"write", file_right::write_data | file_right::append_data},
+                                              {"delete", ports::file_access::erase}}};
+constexpr std::array<Bit, 3> share_names = {
+    {{"read", ports::file_share::read}, {"write", ports::file_share::write}, {"delete", ports::file_share::erase}}};
+
+template <std::size_t count>
+[[nodiscard]] std::uint32_t read_bits(const JsonNode& node, const std::array<Bit, count>& names) {
+  std::uint32_t bits = 0;
+  for (std::size_t i = 0; i < node.size(); ++i) {
+    const JsonNode item = node.at(i);
+    const std::string& name = item.utf8();
+    const auto found = std::find_if(names.begin(), names.end(), [&name](const Bit& bit) { return bit.name == name; });
+    if (found == names.end()) item.fail("\"" + name + "\" is not known here");
+    bits |= found->bit;
+  }
+  return bits;
+}
+
+template <std::size_t count>
+[[nodiscard]] picojson::value write_bits(std::uint32_t bits, const std::array<Bit, count>& names) {
+  picojson::array out;
+  for (const Bit& bit : names) {
+    if ((bits & bit.bit) != 0) out.emplace_back(std::string(bit.name));
+  }
+  return picojson::value(out);
+}
+
+[[nodiscard]] std::uint32_t default_attributes(const FileNode& node) {
+  return node.folder ? 0 : attribute::archive;
+}
+
+void read_link(const JsonNode& node, FileNode& out) {
+  node.only({"symbolic", "junction"});
+  if (node.object().size() != 1) node.fail("either \"symbolic\" or \"junction\" is wanted here");
+  const bool junction = node.has("junction");
+  out.link = junction ? LinkKind::junction : LinkKind::symbolic;
+  out.folder = out.folder || junction;
+  out.target = node.member(junction ? "junction" : "symbolic").text();
+  if (out.target.empty()) node.fail("the target is empty");
+}
+
+void read_holds(const JsonNode& node, FileNode& out) {
+  for (std::size_t i = 0; i < node.size(); ++i) {
+    const JsonNode row = node.at(i);
+    row.only({"access", "share"});
+    const auto share = row.find("share");
+    out.holds.push_back({read_bits(row.member("access"), access_names), share ? read_bits(*share, share_names) : 0, 0});
+  }
+}
+
+void check(const JsonNode& row, const FileNode& node) {
+  const bool content = row.has("text") || row.has("base64") || row.has("size");
+  if (row.has("text") && row.has("base64")) row.fail("\"text\" and \"base64\" exclude each other");
+  if (content && node.folder) row.fail("a folder has no content");
+  if (content && node.link != LinkKind::none) row.fail("a link has no content");
+  if (node.mapped && node.folder) row.fail("a folder does not run");
+  if (node.size < node.bytes.size()) row.fail("\"size\" is less than the content");
+  if (node.going && node.holds.empty()) row.fail("what is \"deleting\" is held \"open\" by somebody");
+}
+
+[[nodiscard]] FileNode read_node(const JsonNode& row) {
+  row.only({"path", "folder", "attributes", "text", "base64", "size", "link", "running", "open", "deleting",
+            "protected", "same_as"});
+  FileNode node;
+  node.folder = row.flag("folder");
+  if (const auto link = row.find("link")) read_link(*link, node);
+  const auto attributes = row.find("attributes");
+  node.attributes = attributes ? read_bits(*attributes, attribute_names) : default_attributes(node);
+  node.bytes = read_content(row);
+  const auto size = row.find("size");
+  node.size = size ? static_cast<std::uint64_t>(size->integer(0, std::int64_t{1} << 53)) : node.bytes.size();
+  node.mapped = row.flag("running");
+  node.protect = row.flag("protected");
+  if (const auto holds = row.find("open")) read_holds(*holds, node);
+  node.going = row.flag("deleting");
+  check(row, node);
+  return node;
+}
+
+[[nodiscard]] FilePlace read_place(const JsonNode& row, FileTree& tree) {
+  const JsonNode where = row.member("path");
+  Path path = read_path(where);
+  if (path.parts.empty()) where.fail("a drive is none of the files");
+  if (tree.volumes.count(path.drive) == 0) where.fail("there is no such drive");
+  std::wstring name = std::move(path.parts.back());
+  path.parts.pop_back();
+  const NodeId folder = make_folders(tree, path);
+  if (folder == 0) where.fail("a file or link stands where a folder is wanted");
+  return {folder, std::move(name)};
+}
+
+// Folders may have been made for what stands in them before their own row comes.
+void place_node(const JsonNode& row, FileTree& tree, std::set<NodeId>& told) {
+  FilePlace place = read_place(row, tree);
+  FileNode node = read_node(row);
+  if (node.going) node.going_place = place;
+  NodeId id = child(tree, place.folder, place.name);
+  if (id == 0) {
+    id = add_node(tree, place.folder, place.name, std::move(node));
+  } else {
+    FileNode& there = tree.nodes.at(id);
+    const bool implied = told.count(id) == 0 && there.folder;
+    if (!implied) row.member("path").fail("this path stands there twice");
+    if (!node.folder || node.link != LinkKind::none) row.member("path").fail("other files lie below this path");
+    node.children = std::move(there.children);
+    node.places = {place};
+    tree.nodes.at(place.folder).children.erase(place.name);
+    tree.nodes.at(place.folder).children.emplace(place.name, id);
+    there = std::move(node);
+  }
+  told.insert(id);
+}
+
+void place_name(const JsonNode& row, FileTree& tree) {
+  row.only({"path", "same_as"});
+  const JsonNode same = row.member("same_as");
+  const Found found = look_up(tree, read_path(same), LastLink::itself);
+  if (found.node == 0) same.fail("there is no such file");
+  if (tree.nodes.at(found.node).folder) same.fail("a folder has one name alone");
+  const FilePlace place = read_place(row, tree);
+  if (child(tree, place.folder, place.name) != 0) row.member("path").fail("this path stands there twice");
+  if (&volume_of(tree, place.folder) != &volume_of(tree, found.node)) same.fail("it lies on another drive");
+  add_name(tree, found.node, place);
+}
+
+}  // namespace
+
+Path read_path(const JsonNode& node) {
+  // Names that only a verbatim path can make stand in the document as well.
+  const std::wstring text = node.text();
+  ParsedPath parsed = parse_path(L"\\\\?\\" + text, L"C:\\");
+  const bool dots = std::any_of(parsed.path.parts.begin(), parsed.path.parts.end(),
+                                [](const std::wstring& part) { return part == L"." || part == L".."; });
+  if (parsed.error != 0 || dots || parsed.path.folder_wanted) {
+    node.fail("a full path is wanted here, as \"C:\\Folder\\file.txt\"");
+  }
+  return std::move(parsed.path);
+}
+
+std::wstring read_path_text(const JsonNode& node) {
+  return to_text(read_path(node));
+}
+
+std::vector<std::uint8_t> read_content(const JsonNode& row) {
+  if (const auto text = row.find("text")) return {text->utf8().begin(), text->utf8().end()};
+  const auto encoded = row.find("base64");
+  if (!encoded) return {};
+  auto bytes = bytes_from_base64(encoded->utf8());
+  if (!bytes) encoded->fail("this is not base64");
+  return std::move(*bytes);
+}
+
+void write_content(const std::vector<std::uint8_t>& bytes, picojson::object& row) {
+  const std::string text(bytes.begin(), bytes.end());
+  const bool plain = std::all_of(bytes.begin(), bytes.end(), [](std::uint8_t byte) {
+    return byte == '\t' || byte == '\n' || byte == '\r' || (byte >= 0x20 && byte != 0x7F);
+  });
+  if (plain && !first_ill_formed(text)) {
+    row["text"] = picojson::value(text);
+  } else {
+    row["base64"] = picojson::value(base64_from(bytes));
+  }
+}
+
+void read_files(const JsonNode& node, State& state) {
+  std::set<NodeId> told;
+  for (std::size_t i = 0; i < node.size(); ++i) {
+    if (!node.at(i).has("same_as")) place_node(node.at(i), state.files, told);
+  }
+  for (std::size_t i = 0; i < node.size(); ++i) {
+    if (node.at(i).has("same_as")) place_name(node.at(i), state.files);
+  }
+}
+
+namespace {
+
+[[nodiscard]] picojson::object write_node(const FileNode& node) {
+  picojson::object row;
+  if (node.folder && node.link != LinkKind::junction) row["folder"] = picojson::value(true);
+  if (node.attributes != default_attributes(node)) row["attributes"] = write_bits(node.attributes, attribute_names);
+  if (node.link != LinkKind::none) {
+    picojson::object link;
+    link[node.link == LinkKind::junction ? "junction" : "symbolic"] = json_text(node.target);
+    row["link"] = picojson::value(link);
+  } else if (!node.folder) {
+    if (!node.bytes.empty()) write_content(node.bytes, row);
+    if (node.size != node.bytes.size() || node.size == 0) row["size"] = json_number(node.size);
+  }
+  if (node.mapped) row["running"] = picojson::value(true);
+  if (node.protect) row["protected"] = picojson::value(true);
+  picojson::array holds;
+  for (const FileHold& hold : node.holds) {
+    if (hold.owner != 0) continue;
+    picojson::object one;
+    one["access"] = write_bits(hold.access, access_names);
+    one["share"] = write_bits(hold.share, share_names);
+    holds.emplace_back(one);
+  }
+  // What goes when this process's last handle is closed is as good as there.
+  if (node.going && !holds.empty()) row["deleting"] = picojson::value(true);
+  if (!holds.empty()) row["open"] = picojson::value(holds);
+  return row;
+}
+
+// A folder needs no row of its own when something in it has one and nothing else is to be said.
+void write_below(const FileTree& tree, NodeId folder, const std::wstring& path, picojson::array& out) {
+  for (const auto& [name, id] : tree.nodes.at(folder).children) {
+    const FileNode& node = tree.nodes.at(id);
+    const std::wstring own = path + L"\\" + name;
+    const FilePlace& first = node.places.front();
+    picojson::object row;
+    if (first.folder == folder && same_name(first.name, name)) {
+      row = write_node(node);
+    } else {
+      row["same_as"] = json_text(path_of(tree, id));
+    }
+    const bool implied = node.folder && !node.children.empty() && row.size() == 1;
+    if (!implied) {
+      row["path"] = json_text(own);
+      out.emplace_back(row);
+    }
+    write_below(tree, id, own, out);
+  }
+}
+
+}  // namespace
+
+picojson::value write_files(const State& state) {
+  picojson::array out;
+  for (const auto& [drive, volume] : state.files.volumes) write_below(state.files, volume.root, drive, out);
+  return picojson::value(out);
+}
+
+}  // namespace machine

@@ -1,0 +1,143 @@
+#include "platform/machine/file_tree.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/ports/files.h"
+
+namespace machine {
+
+namespace attribute = ports::file_attribute;
+
+Volume& add_volume(FileTree& tree, std::wstring_view drive, std::uint32_t serial) {
+  Volume& volume = tree.volumes[std::wstring(drive)];
+  volume.root = ++tree.last_node;
+  volume.serial = serial;
+  FileNode root;
+  root.folder = true;
+  root.attributes = attribute::hidden | attribute::system;
+  tree.nodes.emplace(volume.root, std::move(root));
+  return volume;
+}
+
+namespace {
+
+[[nodiscard]] NodeId root_of(const FileTree& tree, NodeId node) {
+  while (!tree.nodes.at(node).places.empty()) node = tree.nodes.at(node).places.front().folder;
+  return node;
+}
+
+template <class Volumes>
+[[nodiscard]] auto volume_at(Volumes& volumes, NodeId root) {
+  return std::find_if(volumes.begin(), volumes.end(), [root](const auto& entry) { return entry.second.root == root; });
+}
+
+}  // namespace
+
+const Volume& volume_of(const FileTree& tree, NodeId node) {
+  return volume_at(tree.volumes, root_of(tree, node))->second;
+}
+
+Volume& volume_of(FileTree& tree, NodeId node) {
+  return volume_at(tree.volumes, root_of(tree, node))->second;
+}
+
+bool resize(FileTree& tree, NodeId id, std::uint64_t size) {
+  FileNode& node = tree.nodes.at(id);
+  Volume& volume = volume_of(tree, id);
+  if (volume.free) {
+    if (size > node.size + *volume.free) return false;
+    volume.free = *volume.free + node.size - size;
+  }
+  node.size = size;
+  if (node.bytes.size() > size) node.bytes.resize(static_cast<std::size_t>(size));
+  return true;
+}
+
+NodeId child(const FileTree& tree, NodeId folder, std::wstring_view name) {
+  const auto& children = tree.nodes.at(folder).children;
+  const auto found = children.find(name);
+  return found == children.end() ? 0 : found->second;
+}
+
+NodeId add_node(FileTree& tree, NodeId folder, std::wstring_view name, FileNode node) {
+  const NodeId id = ++tree.last_node;
+  tree.nodes.emplace(id, std::move(node));
+  add_name(tree, id, {folder, std::wstring(name)});
+  return id;
+}
+
+void add_name(FileTree& tree, NodeId node, const FilePlace& place) {
+  tree.nodes.at(place.folder).children.emplace(place.name, node);
+  tree.nodes.at(node).places.push_back(place);
+}
+
+namespace {
+
+[[nodiscard]] auto place_in(FileNode& node, const FilePlace& place) {
+  return std::find_if(node.places.begin(), node.places.end(), [&place](const FilePlace& one) {
+    return one.folder == place.folder && same_name(one.name, place.name);
+  });
+}
+
+}  // namespace
+
+void remove_name(FileTree& tree, const FilePlace& place) {
+  const NodeId id = child(tree, place.folder, place.name);
+  if (id == 0) return;
+  FileNode& node = tree.nodes.at(id);
+  tree.nodes.at(place.folder).children.erase(place.name);
+  node.places.erase(place_in(node, place));
+  if (!node.places.empty()) return;
+  Volume& volume = volume_of(tree, place.folder);
+  if (volume.free) *volume.free += node.size;
+  tree.nodes.erase(id);
+}
+
+void rename(FileTree& tree, const FilePlace& from, const FilePlace& to) {
+  const NodeId id = child(tree, from.folder, from.name);
+  tree.nodes.at(from.folder).children.erase(from.name);
+  tree.nodes.at(to.folder).children.emplace(to.name, id);
+  *place_in(tree.nodes.at(id), from) = to;
+}
+
+std::wstring path_of(const FileTree& tree, NodeId node) {
+  std::vector<const std::wstring*> names;
+  while (!tree.nodes.at(node).places.empty()) {
+    const FilePlace& place = tree.nodes.at(node).places.front();
+    names.push_back(&place.name);
+    node = place.folder;
+  }
+  std::wstring path = volume_at(tree.volumes, node)->first;
+  if (names.empty()) path += L'\\';
+  for (auto name = names.rbegin(); name != names.rend(); ++name) path.append(1, L'\\').append(**name);
+  return path;
+}
+
+std::uint32_t reported_attributes(const FileNode& node) {
+  std::uint32_t bits = node.attributes;
+  if (node.folder) bits |= attribute::directory;
+  if (node.link != LinkKind::none) bits |= attribute::reparse_point;
+  return bits == 0 ? attribute::normal : bits;
+}
+
+void drop_holds(FileTree& tree, NodeId node, std::uint64_t owner) {
+  const auto found = tree.nodes.find(node);
+  if (found == tree.nodes.end()) return;
+  FileNode& held = found->second;
+  std::erase_if(held.holds, [owner](const FileHold& hold) { return hold.owner == owner; });
+  if (!held.going || !held.holds.empty()) return;
+  held.going = false;
+  remove_name(tree, FilePlace(held.going_place));
+}
+
+bool within(const FileTree& tree, NodeId node, NodeId folder) {
+  while (node != folder) {
+    const FileNode& at = tree.nodes.at(node);
+    if (at.places.empty()) return false;
+    node = at.places.front().folder;
+  }
+  return true;
+}
+
+}  // namespace machine

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstdint>
+
+#include "platform/machine/file_tree.h"
+#include "platform/machine/handles.h"
+
+namespace machine {
+
+struct World;
+
+/// A file behind a handle: gives its hold back at the end.
+class OpenFile final : public Object {
+ public:
+  OpenFile(World& world, NodeId node, FilePlace place, std::uint32_t access, std::uint64_t owner);
+  ~OpenFile() override;
+
+  World& world;
+  const NodeId node;
+  const FilePlace place;       // by which name it was opened
+  const std::uint32_t access;  // mapped rights
+  const std::uint64_t owner;
+  std::uint64_t position = 0;  // under the world's lock
+};
+
+}  // namespace machine

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/ports/registry.h"
+#include "platform/ports/types.h"
+
+namespace machine {
+
+struct State;
+
+enum class EffectKind { delete_file, delete_folder, write_file, delete_key, delete_value, set_value };
+
+/// Something that a program does to the machine when it ends. What is absent or in use stays as it is.
+struct Effect {
+  EffectKind kind = EffectKind::delete_file;
+  std::wstring path;                // of the file, folder or key
+  std::wstring name;                // of the value
+  std::vector<std::uint8_t> bytes;  // of the file
+  ports::RegistryValue value;
+};
+
+/// How a program behaves that is started.
+struct Program {
+  std::wstring image;      // full path, or name alone for any of that name
+  std::uint32_t runs = 0;  // milliseconds
+  std::uint32_t exit_code = 0;
+  bool needs_elevation = false;
+  bool refused = false;  // the user does not let it be elevated
+  std::vector<Effect> effects;
+};
+using Programs = std::vector<Program>;
+
+/// The behaviour of an image: by its path, else by its name. Null where nothing is said, which is a program that ends
+/// at once with 0.
+[[nodiscard]] const Program* find_program(const Programs& programs, std::wstring_view image);
+
+/// Does one thing. An effect that is not possible is passed over, as a program's own failure is its own affair.
+void apply(State& state, const Effect& effect);
+
+}  // namespace machine
