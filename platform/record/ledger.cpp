@@ -59,7 +59,7 @@ void Ledger::add_action(std::string kind, std::wstring text) {
   actions_.push_back({std::move(kind), std::move(text)});
 }
 
-void Ledger::add_deletion(Subject subject, const char* kind, const std::wstring& path, ports::ErrorCode code,
+void Ledger::add_deletion(Subject subject, const std::string& kind, const std::wstring& path, ports::ErrorCode code,
                           Look look) {
   if (paused()) return;
   const ports::Lock lock(mutex_);
@@ -73,7 +73,7 @@ void Ledger::add_deletion(Subject subject, const char* kind, const std::wstring&
   if (known.code != ports::code::success || !was_absent(code)) known.code = code;
 }
 
-void Ledger::add_path_deletion(const char* kind, const std::wstring& path, ports::ErrorCode code) {
+void Ledger::add_path_deletion(const std::string& kind, const std::wstring& path, ports::ErrorCode code) {
   add_deletion(Subject::path, kind, plain_path(path), code, [this, path] { return look_at_path(inner_, path); });
 }
 
@@ -153,7 +153,8 @@ std::vector<Change> Ledger::changes() const {
   std::set<std::wstring> changed_paths;
   // Paths come before contents in the map: a content counts only where the path's own description says nothing.
   for (const auto& [id, entry] : entries) {
-    if (id.first == Subject::content && changed_paths.contains(id.second)) continue;
+    const bool content = id.first == Subject::content;
+    if (content && (!entry.before || changed_paths.contains(id.second))) continue;
     const std::size_t known = found.size();
     add_difference(found, entry.path, entry.before, entry.look());
     if (id.first == Subject::path && found.size() != known) changed_paths.insert(id.second);

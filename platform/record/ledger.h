@@ -39,8 +39,9 @@ class Ledger {
 
   void add_action(std::string kind, std::wstring text);
   /// `subject` tells where to look whether the thing is gone.
-  void add_deletion(Subject subject, const char* kind, const std::wstring& path, ports::ErrorCode code, Look look);
-  void add_path_deletion(const char* kind, const std::wstring& path, ports::ErrorCode code);
+  void add_deletion(Subject subject, const std::string& kind, const std::wstring& path, ports::ErrorCode code,
+                    Look look);
+  void add_path_deletion(const std::string& kind, const std::wstring& path, ports::ErrorCode code);
   /// Moves booked for the next start, by what moves.
   void book(const std::wstring& path, std::wstring text);
 

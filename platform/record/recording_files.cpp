@@ -20,7 +20,13 @@ void RecordingFiles::watch(const wchar_t* path) {
   ledger_.watch_path(path);
 }
 
-bool RecordingFiles::note_deletion(const char* kind, const std::wstring& path, bool done) {
+std::string RecordingFiles::kind_of(const std::wstring& path, const char* otherwise) {
+  const KeptError kept(errors_);
+  const std::optional<State> state = look_at_path(system_, path);
+  return state ? state->kind : otherwise;
+}
+
+bool RecordingFiles::note_deletion(const std::string& kind, const std::wstring& path, bool done) {
   ledger_.add_path_deletion(kind, path, done ? ports::code::success : errors_.last());
   return done;
 }
@@ -37,7 +43,7 @@ ports::Handle RecordingFiles::open(const wchar_t* path, std::uint32_t access, st
     ledger_.name(file, path);
   } else if ((access & ports::file_access::erase) != 0) {
     // Whoever asks for the right to delete is about to: that there is nothing, or that it is held, shows here.
-    note_deletion((flags & ports::open_flag::backup_semantics) != 0 ? "folder" : "file", path, false);
+    note_deletion(kind_of(path, (flags & ports::open_flag::backup_semantics) != 0 ? "folder" : "file"), path, false);
   }
   return file;
 }
@@ -45,12 +51,8 @@ ports::Handle RecordingFiles::open(const wchar_t* path, std::uint32_t access, st
 bool RecordingFiles::mark_deleted(ports::Handle file) {
   const std::optional<std::wstring> path = ledger_.named(file);
   if (!path) return inner_.mark_deleted(file);
-  const char* kind = "file";
-  {
-    const KeptError kept(errors_);
-    ledger_.watch_path(*path);
-    if (const auto state = look_at_path(system_, *path); state && state->kind != "file") kind = "folder";
-  }
+  watch(path->c_str());
+  const std::string kind = kind_of(*path, "file");
   return note_deletion(kind, *path, inner_.mark_deleted(file));
 }
 

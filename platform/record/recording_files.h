@@ -46,7 +46,8 @@ class RecordingFiles final : public ports::Files {
  private:
   void watch(const wchar_t* path);
   void watch_tree(const wchar_t* from, const wchar_t* to);
-  bool note_deletion(const char* kind, const std::wstring& path, bool done);
+  [[nodiscard]] std::string kind_of(const std::wstring& path, const char* otherwise);
+  bool note_deletion(const std::string& kind, const std::wstring& path, bool done);
 
   ports::Files& inner_;
   ports::Errors& errors_;

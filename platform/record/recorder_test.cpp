@@ -1,0 +1,218 @@
+#include "platform/record/recorder.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "platform/machine/machine.h"
+#include "platform/ports/build.h"
+#include "platform/ports/codes.h"
+#include "platform/ports/files.h"
+#include "platform/ports/registry.h"
+#include "platform/ports/threads.h"
+
+namespace record {
+
+void PrintTo(const Change& change, std::ostream* out) {
+  *out << change.kind << ' ' << ::testing::PrintToString(change.path) << ": "
+       << ::testing::PrintToString(change.before.value_or(L"-")) << " -> "
+       << ::testing::PrintToString(change.after.value_or(L"-"));
+}
+
+void PrintTo(const Deletion& deletion, std::ostream* out) {
+  *out << deletion.kind << ' ' << ::testing::PrintToString(deletion.path) << ": " << deletion.code
+       << (deletion.gone ? ", gone" : ", there");
+}
+
+namespace {
+
+namespace access = ports::file_access;
+using Changes = std::vector<Change>;
+using Deletions = std::vector<Deletion>;
+using ports::RegistryKey;
+constexpr std::uint32_t all_rights =
+    ports::registry_access::read | ports::registry_access::write | ports::registry_access::erase;
+
+/// A machine with a folder, files and keys, laid out before anybody records.
+class RecorderTest : public ::testing::Test {
+ protected:
+  RecorderTest() {
+    EXPECT_TRUE(world.files.create_folder(L"C:\\Suite"));
+    write(world, L"C:\\Suite\\one.txt", "12345");
+    write(world, L"C:\\Suite\\two.txt", "1");
+    const RegistryKey key = create(world, L"Software\\Suite");
+    set(world, key, L"Path", 7);
+    set(world, key, L"", 1);
+    world.registry.close(key);
+    recorder = std::make_unique<Recorder>(world);
+    system = &recorder->system();
+  }
+
+  static void write(const ports::System& on, const wchar_t* path, std::string_view text) {
+    const ports::Handle file = on.files.open(path, access::generic_write, 0, ports::Disposition::create_always, 0);
+    ASSERT_NE(file, ports::Handle::invalid);
+    std::uint32_t written = 0;
+    EXPECT_TRUE(on.files.write(file, {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()}, written));
+    EXPECT_TRUE(on.waits.close(file));
+  }
+
+  static RegistryKey create(const ports::System& on, const wchar_t* path) {
+    RegistryKey key = RegistryKey::null;
+    bool created = false;
+    EXPECT_EQ(on.registry.create(RegistryKey::local_machine, path, 0, all_rights, key, created), 0u);
+    return key;
+  }
+
+  static void set(const ports::System& on, RegistryKey key, const wchar_t* name, std::uint8_t number) {
+    EXPECT_EQ(on.registry.set(key, name, {ports::RegistryType::number, {number, 0, 0, 0}}), 0u);
+  }
+
+  ports::Handle open_to_delete(const wchar_t* path) const {
+    return system->files.open(path, access::erase, ports::file_share::all, ports::Disposition::open_existing,
+                              ports::open_flag::backup_semantics | ports::open_flag::open_reparse_point);
+  }
+
+  machine::Machine machine;
+  std::unique_ptr<ports::Engines> engines = ports::make_engines(machine.errors());
+  const ports::System world = machine.system(*engines);
+  std::unique_ptr<Recorder> recorder;
+  const ports::System* system = nullptr;
+};
+
+TEST_F(RecorderTest, FilesThatGoComeOrDifferAreChanges) {
+  EXPECT_TRUE(system->files.remove(L"C:/suite/ONE.txt"));
+  write(*system, L"C:\\Suite\\two.txt", "2");
+  write(*system, L"C:\\Suite\\new.txt", "123");
+  EXPECT_TRUE(system->files.create_folder(L"C:\\Fresh\\"));
+  EXPECT_TRUE(system->files.create_link(L"C:\\Link", L"C:\\Suite", true));
+  const Changes changes = recorder->changes();
+  ASSERT_EQ(changes.size(), 5u);
+  EXPECT_EQ(changes[0], (Change{"file", L"C:\\Suite\\new.txt", std::nullopt, L"archive, 3 bytes"}));
+  // Attributes and size are as they were: only the content tells.
+  EXPECT_EQ(changes[1].path, L"C:\\Suite\\two.txt");
+  EXPECT_EQ(changes[1].before->substr(0, 7), L"digest ");
+  EXPECT_NE(changes[1].before, changes[1].after);
+  EXPECT_EQ(changes[2], (Change{"file", L"C:\\suite\\ONE.txt", L"archive, 5 bytes", std::nullopt}));
+  EXPECT_EQ(changes[3], (Change{"folder", L"C:\\Fresh", std::nullopt, L"present"}));
+  EXPECT_EQ(changes[4], (Change{"link", L"C:\\Link", std::nullopt, L"present"}));
+}
+
+TEST_F(RecorderTest, WhatIsPutBackIsNoChange) {
+  EXPECT_TRUE(system->files.move(L"C:\\Suite\\one.txt", L"C:\\Suite\\three.txt", 0));
+  EXPECT_TRUE(system->files.move(L"C:\\Suite\\three.txt", L"C:\\Suite\\one.txt", 0));
+  EXPECT_TRUE(system->files.set_attributes(L"C:\\Suite\\two.txt", ports::file_attribute::read_only));
+  EXPECT_TRUE(system->files.set_attributes(L"C:\\Suite\\two.txt", ports::file_attribute::archive));
+  wchar_t name[260] = {};
+  EXPECT_NE(system->files.temp_file(L"C:\\Suite", L"ky_", 0, name), 0u);
+  EXPECT_TRUE(system->files.remove(name));
+  system->registry.close(create(*system, L"Software\\Suite"));
+  EXPECT_EQ(recorder->changes(), Changes{});
+}
+
+TEST_F(RecorderTest, AMovedFolderTakesItsTreeAlong) {
+  EXPECT_TRUE(system->files.move(L"C:\\Suite", L"C:\\Away", 0));
+  std::vector<std::wstring> told;
+  for (const Change& change : recorder->changes()) told.push_back((change.before ? L"-" : L"+") + change.path);
+  EXPECT_EQ(told, (std::vector<std::wstring>{L"+C:\\Away\\one.txt", L"+C:\\Away\\two.txt", L"-C:\\Suite\\one.txt",
+                                             L"-C:\\Suite\\two.txt", L"+C:\\Away", L"-C:\\Suite"}));
+}
+
+TEST_F(RecorderTest, AFileMarkedForDeletionCountsOnlyWhenItIsGone) {
+  const ports::Handle file = open_to_delete(L"C:\\Suite\\one.txt");
+  EXPECT_TRUE(system->files.mark_deleted(file));
+  EXPECT_FALSE(recorder->deletions().at(0).gone);
+  EXPECT_TRUE(system->waits.close(file));
+  EXPECT_EQ(recorder->deletions(), (Deletions{{"file", L"C:\\Suite\\one.txt", 0, true}}));
+  EXPECT_EQ(recorder->changes(), (Changes{{"file", L"C:\\Suite\\one.txt", L"archive, 5 bytes", std::nullopt}}));
+}
+
+TEST_F(RecorderTest, DeletionsTellWhatWasAbsentAndWhatStays) {
+  const ports::Handle held = world.files.open(L"C:\\Suite\\one.txt", access::generic_read, ports::file_share::read,
+                                              ports::Disposition::open_existing, 0);
+  EXPECT_FALSE(system->files.remove(L"C:\\Suite\\one.txt"));
+  EXPECT_EQ(system->errors.last(), ports::code::sharing_violation);
+  EXPECT_EQ(open_to_delete(L"C:\\Gone"), ports::Handle::invalid);
+  EXPECT_EQ(system->errors.last(), ports::code::file_not_found);
+  EXPECT_TRUE(system->files.remove(L"C:\\Suite\\two.txt"));
+  EXPECT_FALSE(system->files.remove(L"C:\\Suite\\two.txt"));
+  EXPECT_FALSE(system->files.remove_folder(L"C:\\Suite"));
+  EXPECT_EQ(recorder->deletions(), (Deletions{{"file", L"C:\\Suite\\one.txt", ports::code::sharing_violation, false},
+                                              {"folder", L"C:\\Gone", ports::code::file_not_found, true},
+                                              {"file", L"C:\\Suite\\two.txt", 0, true},
+                                              {"folder", L"C:\\Suite", ports::code::directory_not_empty, false}}));
+  world.waits.close(held);
+}
+
+TEST_F(RecorderTest, MovesForTheNextStartAreChanges) {
+  EXPECT_TRUE(system->files.move(L"C:\\Suite\\one.txt", nullptr, ports::move_flag::delay_until_reboot));
+  EXPECT_EQ(recorder->changes(), (Changes{{"delayed-move", L"C:\\Suite\\one.txt", std::nullopt, L"delete"}}));
+}
+
+TEST_F(RecorderTest, ADeletedKeyTakesItsValuesAlong) {
+  RegistryKey parent = RegistryKey::null;
+  RegistryKey key = RegistryKey::null;
+  ASSERT_EQ(system->registry.open(RegistryKey::local_machine, L"Software", 0, all_rights, parent), 0u);
+  ASSERT_EQ(system->registry.open(parent, L"Suite", 0, all_rights, key), 0u);
+  EXPECT_EQ(system->registry.remove(key), 0u);
+  EXPECT_EQ(system->registry.close(key), 0u);
+  EXPECT_EQ(system->registry.open(parent, L"Suite", 0, all_rights, key), ports::code::file_not_found);
+  EXPECT_EQ(system->registry.close(parent), 0u);
+  const std::wstring path = L"HKEY_LOCAL_MACHINE\\Software\\Suite";
+  EXPECT_EQ(recorder->changes(),
+            (Changes{{"registry-key", path, L"present", std::nullopt},
+                     {"registry-value", path + L"\\(default)", L"REG_DWORD 0x00000001", std::nullopt},
+                     {"registry-value", path + L"\\Path", L"REG_DWORD 0x00000007", std::nullopt}}));
+  EXPECT_EQ(recorder->deletions(), (Deletions{{"registry-key", path, 0, true}}));
+}
+
+TEST_F(RecorderTest, KeysOnTheWayAndSetValuesAreChanges) {
+  const RegistryKey key = create(*system, L"Software\\Suite\\A\\B");
+  set(*system, key, L"New", 1);
+  system->registry.close(key);
+  const RegistryKey suite = create(*system, L"Software\\Suite");
+  set(*system, suite, L"Path", 8);
+  EXPECT_EQ(system->registry.remove_value(suite, L"Missing"), ports::code::file_not_found);
+  system->registry.close(suite);
+  const std::wstring path = L"HKEY_LOCAL_MACHINE\\Software\\Suite";
+  EXPECT_EQ(recorder->changes(),
+            (Changes{{"registry-key", path + L"\\A", std::nullopt, L"present"},
+                     {"registry-key", path + L"\\A\\B", std::nullopt, L"present"},
+                     {"registry-value", path + L"\\A\\B\\New", std::nullopt, L"REG_DWORD 0x00000001"},
+                     {"registry-value", path + L"\\Path", L"REG_DWORD 0x00000007", L"REG_DWORD 0x00000008"}}));
+  EXPECT_EQ(recorder->deletions(),
+            (Deletions{{"registry-value", path + L"\\Missing", ports::code::file_not_found, true}}));
+}
+
+TEST_F(RecorderTest, WhatTheHostDoesForItselfIsUnnotedAndTheLastErrorIsTheCalls) {
+  {
+    const Recorder::Pause pause(*recorder);
+    EXPECT_TRUE(system->files.remove(L"C:\\Suite\\one.txt"));
+  }
+  system->errors.set_last(77);
+  EXPECT_TRUE(system->files.create_folder(L"C:\\Fresh"));
+  EXPECT_TRUE(system->files.remove_folder(L"C:\\Fresh"));
+  EXPECT_EQ(recorder->changes(), Changes{});
+  EXPECT_EQ(system->errors.last(), 77u);
+}
+
+TEST_F(RecorderTest, StartedAndEndedProcessesAreActions) {
+  ports::CreatedProcess process;
+  EXPECT_FALSE(system->processes.create(L"C:\\missing.exe", nullptr, 0, process));
+  write(world, L"C:\\Suite\\tool.exe", "MZ");
+  machine.change([](machine::State& state) {
+    machine::Program program;
+    program.image = L"tool.exe";
+    program.runs = 1000;
+    state.programs.push_back(program);
+  });
+  ASSERT_TRUE(system->processes.create(L"C:\\Suite\\tool.exe /x", nullptr, 0, process));
+  EXPECT_TRUE(system->processes.terminate(process.process, 1));
+  system->waits.close(process.thread);
+  system->waits.close(process.process);
+  EXPECT_EQ(recorder->actions(), (std::vector<Action>{{"process-started", L"C:\\Suite\\tool.exe /x"},
+                                                      {"process-ended", L"C:\\Suite\\tool.exe /x"}}));
+}
+
+}  // namespace
+}  // namespace record
