@@ -171,7 +171,6 @@ ActionId Core::schedule_every(std::uint32_t period, Action action) {
   Happening happening;
   happening.action = std::move(action);
   happening.period = std::max<std::uint32_t>(period, 1);
-  ++repeating_;
   const Milliseconds first = now_ + happening.period;
   return book(first, Rank::happening, std::move(happening)).number;
 }
@@ -181,7 +180,6 @@ bool Core::cancel(ActionId id) {
     return entry.first.number == id && entry.second.waiter == 0;
   });
   if (found == due_.end()) return false;
-  if (found->second.period != 0) --repeating_;
   due_.erase(found);
   ++progress_;
   return true;
@@ -243,12 +241,17 @@ bool Core::out_of_future() {
     stall(L"all threads wait and nothing is due");
   } else if (pace_ == Pace::real) {
     return false;
-  } else if (due_.size() == repeating_ && due_.begin()->first.when > last_single_ + idle_limit) {
-    stall(L"only timers are due: the machine waits for the user");
   } else if (due_.begin()->first.when > horizon) {
     stall(L"nothing more is due within a day");
+  } else if (due_.begin()->first.when > last_single_ + idle_limit && only_timers()) {
+    stall(L"only timers are due: the machine waits for the user");
   }
   return stalled_.has_value();
+}
+
+bool Core::only_timers() const {
+  return std::all_of(due_.begin(), due_.end(),
+                     [](const auto& entry) { return entry.second.period != 0 || entry.first.when > horizon; });
 }
 
 std::vector<ThreadId> Core::take_granted() {

@@ -135,6 +135,7 @@ class Core {
   void grant();
   [[nodiscard]] bool quiet() const;
   [[nodiscard]] bool out_of_future();
+  [[nodiscard]] bool only_timers() const;
   void take_next();
   void force_clock(Thread& thread);
   Key book(Milliseconds when, Rank rank, Happening happening);
@@ -143,7 +144,6 @@ class Core {
   Pace pace_;
   Milliseconds now_ = 0;
   std::map<Key, Happening> due_;
-  std::size_t repeating_ = 0;
   Milliseconds last_single_ = 0;  // when something happened that does not repeat
   ActionId last_number_ = 0;
   std::map<ThreadId, Thread> threads_;

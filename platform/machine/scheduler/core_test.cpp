@@ -167,6 +167,12 @@ TEST_F(CoreTest, StallsTellTheReasonAndFailTheWaits) {
   const Case cases[] = {
       {L"nothing is due\n", [](Core&) {}, 0},
       {L"waits for the user", [](Core& in) { in.schedule_every(100, [](Core&) {}); }, Core::idle_limit},
+      {L"waits for the user",
+       [](Core& in) {
+         in.schedule_every(100, [](Core&) {});
+         in.schedule(Core::horizon + 1, [](Core&) {});
+       },
+       Core::idle_limit},
       {L"within a day", [](Core& in) { in.schedule(Core::horizon + 1, [](Core&) {}); }, 0},
   };
   for (const Case& each : cases) {
