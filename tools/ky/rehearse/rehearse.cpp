@@ -5,6 +5,7 @@
 #include <ostream>
 
 #include "platform/desk/desk.h"
+#include "platform/machine/document.h"
 #include "platform/machine/machine.h"
 #include "platform/ports/build.h"
 #include "resources/edition.h"
@@ -38,6 +39,10 @@ std::unique_ptr<machine::Machine> load_machine(const RehearseOptions& options,
   }
 }
 
+void add_document(machine::Machine& world, std::uint16_t id, std::string_view bytes) {
+  world.add_resource(edition::document_type, id, {bytes.begin(), bytes.end()});
+}
+
 }  // namespace
 
 int rehearse(const RehearseOptions& options, std::ostream& out, std::ostream& err) {
@@ -45,8 +50,8 @@ int rehearse(const RehearseOptions& options, std::ostream& out, std::ostream& er
   const auto world = load_machine(options, [&on_stop](const ports::StopReason& reason) { on_stop(reason); });
   const auto engines = ports::make_engines(world->errors());
   const auto source = rehearsal::script_source(options.script, options.script_key, engines->cipher());
-  world->add_resource(edition::document_type, edition::script_id, source.bytes);
-  world->add_resource(edition::document_type, edition::configuration_id, edition::configuration());
+  add_document(*world, edition::script_id, source.bytes);
+  add_document(*world, edition::configuration_id, edition::configuration());
 
   ports::System system = world->system(*engines);
   rehearsal::SwitchedEnvironment environment(system.environment, options.switches);

@@ -1,6 +1,6 @@
 #include "tools/ky/rehearse/run_and_report.h"
 
-#include "platform/desk/desk.h"
+#include "platform/desk/process.h"
 #include "tools/ky/bad_input.h"
 #include "tools/ky/rehearse/progress.h"
 

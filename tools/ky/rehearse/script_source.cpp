@@ -5,6 +5,7 @@
 #include "tools/ky/bad_input.h"
 #include "tools/ky/script/compiler.h"
 #include "tools/ky/script/plain_script.h"
+#include "tools/ky/script/text_cipher.h"
 
 namespace rehearsal {
 
@@ -38,8 +39,8 @@ ScriptSource script_source(const std::optional<std::string>& file, const std::op
     source.title = "the edition's script";
     return source;
   }
-  source.bytes = script::compile(script::read_plain_script(*file, read_or_refuse(*file, script::max_script_size)), cipher,
-                                 source.key);
+  const script::PlainScript plain = script::read_plain_script(*file, read_or_refuse(*file, script::max_script_size));
+  source.bytes = script::compile(plain, script::TextCipher(cipher, source.key));
   source.title = *file;
   return source;
 }
