@@ -60,7 +60,7 @@ int run_script(host::Session& session) {
 
 }  // namespace
 
-int wmain() {
+extern "C" int wmain(int, wchar_t**) {
   if (!win32::restrict_library_search()) return fail("the search for libraries cannot be restricted");
   const ports::System* world = ports::real_system(ports::Module::null);
   const std::wstring path = host::folder_of(world->modules.file_name(world->modules.main())) + library_name;

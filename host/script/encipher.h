@@ -11,7 +11,8 @@ class ScriptCipher;
 
 namespace host {
 
-/// Longest name or value of a script in bytes of UTF-8: with its padding it is the most that a Decrypter's buffers take.
+/// Longest name or value of a script in bytes of UTF-8: with its padding it is the most that a Decrypter's buffers
+/// take.
 inline constexpr std::size_t longest_plain_value = 367;
 
 /// The ciphered form of a name or value: "_" and URL-safe base64 with "." for "=". Equal text gives equal form. Empty

@@ -12,8 +12,8 @@ namespace host {
 /// Where one command stands and where it may go.
 struct FlowPoint {
   std::int32_t index = 0;
-  std::int32_t next = -1;              // negative: the index that follows
-  std::optional<std::int32_t> target;  // of a jump
+  std::int32_t next = -1;                             // negative: the index that follows
+  std::optional<std::int32_t> target = std::nullopt;  // of a jump
 };
 
 /// A place in the flow that leads nowhere.

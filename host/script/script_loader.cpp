@@ -34,7 +34,7 @@ LoadedScript ScriptLoader::load(std::string_view utf8) {
   if (find_commands(utf8, commands)) {
     load_elements(commands);
     check_all_ways();
-    // A command that another's index keeps out is at fault already.
+    if (!script_.faults.empty()) return std::move(script_);
     for (ProgramStep& step : loaded_) (void)script_.program.add(std::move(step));
   }
   return std::move(script_);
