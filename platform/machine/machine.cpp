@@ -18,6 +18,14 @@ State bare_state() {
        {facts.system, facts.windows, facts.program_files, facts.common_app_data, facts.temp, facts.current_folder}) {
     make_folders(state.files, parse_path(folder, folder).path);
   }
+  Path program = parse_path(facts.program, facts.current_folder).path;
+  const std::wstring name = std::move(program.parts.back());
+  program.parts.pop_back();
+  FileNode image;
+  image.bytes = {'M', 'Z'};
+  image.size = image.bytes.size();
+  image.mapped = true;
+  add_node(state.files, make_folders(state.files, program), name, std::move(image));
   make_keys(state.registry, L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Classes");
   make_keys(state.registry, std::wstring(users_name) + L"\\" + facts.user + L"\\Software");
   return state;

@@ -46,7 +46,7 @@ struct Options {
   std::chrono::milliseconds patience = std::chrono::minutes(2);
 };
 
-/// A machine with nothing but drive C:, the folders of its environment and the current user's key.
+/// A machine with nothing but drive C:, the folders and the program of its environment, and the current user's key.
 [[nodiscard]] State bare_state();
 
 /// A simulated Windows, whole: its state and the ports on it. The thread that makes it is one of the machine's own

@@ -1,0 +1,92 @@
+#include "platform/machine/files.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+
+#include "platform/ports/codes.h"
+#include "tests/support/named_world.h"
+
+// What only a machine can show; the rest is in the contract tests of the port.
+namespace machine {
+namespace {
+
+namespace code = ports::code;
+using support::NamedWorld;
+
+TEST(MachineFiles, WhatIsGoingStaysUntilItsLastHandleIsClosed) {
+  const auto machine = NamedWorld().file(L"C:\\a").make();
+  Files& files = machine->files();
+  const auto open = [&files](std::uint32_t access) {
+    return files.open(L"C:\\a", access, ports::file_share::all, ports::Disposition::open_existing, 0);
+  };
+  const ports::Handle reader = open(ports::file_access::generic_read);
+  const ports::Handle eraser = open(ports::file_access::erase);
+  ASSERT_TRUE(files.mark_deleted(eraser));
+  ASSERT_TRUE(machine->waits().close(eraser));
+  EXPECT_FALSE(files.exists(L"C:\\a"));
+  EXPECT_EQ(machine->errors().last(), code::access_denied);
+  EXPECT_EQ(open(ports::file_access::generic_read), ports::Handle::invalid);
+  ASSERT_TRUE(machine->waits().close(reader));
+  EXPECT_FALSE(files.exists(L"C:\\a"));
+  EXPECT_EQ(machine->errors().last(), code::file_not_found);
+}
+
+TEST(MachineFiles, AMarkedFileGoesUnderTheNameThatItHasNow) {
+  const auto machine = NamedWorld().file(L"C:\\a").make();
+  Files& files = machine->files();
+  const ports::Handle file =
+      files.open(L"C:\\a", ports::file_access::erase, ports::file_share::all, ports::Disposition::open_existing, 0);
+  ASSERT_TRUE(files.move(L"C:\\a", L"C:\\b", 0));
+  ASSERT_TRUE(files.mark_deleted(file));
+  ASSERT_TRUE(machine->waits().close(file));
+  EXPECT_FALSE(files.exists(L"C:\\b"));
+  EXPECT_EQ(machine->errors().last(), code::file_not_found);
+}
+
+TEST(MachineFiles, TemporaryNamesPassOverWhatIsThere) {
+  const auto machine = NamedWorld().file(std::wstring(NamedWorld::temp) + L"\\ky_1000.tmp").make();
+  std::array<wchar_t, 260> name{};
+  EXPECT_EQ(machine->files().temp_file(NamedWorld::temp, L"ky_long", 0, name), 0x1001u);
+  EXPECT_EQ(std::wstring(name.data()), std::wstring(NamedWorld::temp) + L"\\ky_1001.tmp");
+  EXPECT_TRUE(machine->files().exists(name.data()));
+  EXPECT_EQ(machine->files().temp_file(L"C:\\absent", L"ky", 0, name), 0u);
+  EXPECT_EQ(machine->errors().last(), code::directory_name_invalid);
+}
+
+TEST(MachineFiles, DelayedMovesAreBookedForWhatIsNotThereToo) {
+  const auto machine = NamedWorld().make();
+  const std::uint32_t later = ports::move_flag::delay_until_reboot;
+  EXPECT_TRUE(machine->files().move(L"C:\\absent\\.\\x", nullptr, later));
+  EXPECT_TRUE(machine->files().move(L"C:\\a", L"C:\\b", later | ports::move_flag::replace_existing));
+  const PendingMoves expected = {{L"C:\\absent\\x", L"", false}, {L"C:\\a", L"C:\\b", true}};
+  EXPECT_EQ(machine->state().pending_moves, expected);
+}
+
+TEST(MachineFiles, AFullDriveTakesNoMoreAndGetsItsRoomBack) {
+  NamedWorld world;
+  world.state.files.volumes.at(L"C:").free = 10;
+  const auto machine = world.make();
+  Files& files = machine->files();
+  const ports::Handle file =
+      files.open(L"C:\\a", ports::file_access::generic_write, 0, ports::Disposition::create_new, 0);
+  const std::array<std::uint8_t, 8> bytes{};
+  std::uint32_t written = 0;
+  EXPECT_TRUE(files.write(file, bytes, written));
+  EXPECT_FALSE(files.write(file, bytes, written));
+  EXPECT_EQ(machine->errors().last(), code::disk_full);
+  ASSERT_TRUE(machine->waits().close(file));
+  ASSERT_TRUE(files.remove(L"C:\\a"));
+  EXPECT_EQ(machine->state().files.volumes.at(L"C:").free, 10u);
+}
+
+TEST(MachineFiles, FoldersNeedRoomForANameBelowThem) {
+  const auto machine = NamedWorld().make();
+  const std::wstring deep = L"C:\\" + std::wstring(245, L'x');
+  EXPECT_FALSE(machine->files().create_folder(deep.c_str()));
+  EXPECT_EQ(machine->errors().last(), code::filename_too_long);
+  EXPECT_TRUE(machine->files().create_folder((L"\\\\?\\" + deep).c_str()));
+}
+
+}  // namespace
+}  // namespace machine
