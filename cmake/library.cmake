@@ -24,6 +24,8 @@ function(ky_test_program name)
   add_executable(${name} ${arg_SOURCES})
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}" "${PROJECT_SOURCE_DIR}/include")
   target_link_libraries(${name} PRIVATE ${arg_LINKS} ky_googletest)
+  # For files that tests compare with.
+  target_compile_definitions(${name} PRIVATE "KY_SOURCE_FOLDER=\"${PROJECT_SOURCE_DIR}\"")
   include(GoogleTest)
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120 PROPERTIES TIMEOUT 180)
 endfunction()

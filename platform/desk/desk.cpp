@@ -118,7 +118,7 @@ std::string make_folders(const std::string& path) {
   return fs::is_directory(folder, ignored) ? std::string() : failure(path, "the folder cannot be made", error);
 }
 
-std::string remove_file(const std::string& path) {
+std::string remove(const std::string& path) {
   std::error_code error;
   fs::remove(to_path(path), error);
   return error ? failure(path, "cannot be removed", error) : std::string();

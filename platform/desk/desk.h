@@ -24,8 +24,8 @@ enum class Access : std::uint8_t { everybody, owner_only };
 /// Makes the folder and those above it; one that exists is success.
 [[nodiscard]] std::string make_folders(const std::string& path);
 
-/// Removes a file; one that does not exist is success.
-[[nodiscard]] std::string remove_file(const std::string& path);
+/// Removes a file or an empty folder; one that does not exist is success.
+[[nodiscard]] std::string remove(const std::string& path);
 
 /// True for whatever has this name, of any kind; also where that cannot be found out.
 [[nodiscard]] bool exists(const std::string& path);

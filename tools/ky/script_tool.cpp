@@ -1,7 +1,7 @@
 #include <exception>
 #include <iostream>
 
-#include "platform/desk/arguments.h"
+#include "platform/desk/process.h"
 #include "tools/ky/script/script_files.h"
 
 // Compiles a script while the project is built. The workbench itself cannot: it embeds the edition's script.

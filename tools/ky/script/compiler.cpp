@@ -16,6 +16,9 @@ constexpr std::string_view document_end = "</commands></install>";
 }  // namespace
 
 std::string compile(const PlainScript& script, const TextCipher& cipher) {
+  if (is_enciphered(script)) {
+    throw ScriptError(script.file, {{script.elements.front().at, "the script is enciphered already"}});
+  }
   const PlainScript resolved = resolve(script);
   std::string document(document_begin);
   for (const PlainElement& element : resolved.elements) {

@@ -36,13 +36,11 @@ class Decipherment {
     for (PlainElement& element : script_.elements) {
       ++number_;
       where_ = "element " + std::to_string(number_);
-      decipher(element.at, element.name);
-      if (is_name(element.name))
-        where_ += " (" + element.name + ")";
-      else if (faults_.empty() || faults_.back().at != element.at)
-        fault(element.at, "its name deciphers to no name");
+      decipher_name(element);
       for (PlainAttribute& attribute : element.attributes) decipher_value(attribute);
     }
+    // With the wrong key, or in a plain script, every line would say the same.
+    if (!any_deciphered_ && !faults_.empty()) faults_.resize(1);
     if (!faults_.empty()) throw ScriptError(script_.file, std::move(faults_));
     return std::move(script_);
   }
@@ -50,23 +48,34 @@ class Decipherment {
  private:
   void fault(Position at, const std::string& reason) { faults_.push_back({at, where_ + ": " + reason}); }
 
+  void decipher_name(PlainElement& element) {
+    if (!decipher(element.at, "its name ", element.name)) return;
+    if (is_name(element.name)) {
+      where_ += " (" + element.name + ")";
+    } else {
+      fault(element.at, "its name deciphers to no name");
+    }
+  }
+
   void decipher_value(PlainAttribute& attribute) {
     const std::string subject = "attribute \"" + attribute.name + "\" ";
     if (attribute.name == id_attribute) {
       fault(attribute.at, subject + "has no place in an enciphered script");
-      return;
+    } else if (decipher(attribute.at, subject, attribute.value) && !is_xml_text(attribute.value)) {
+      fault(attribute.at, subject + "deciphers to a character that XML does not have");
     }
-    decipher(attribute.at, attribute.value, subject);
-    if (!is_xml_text(attribute.value)) fault(attribute.at, subject + "deciphers to a character that XML does not have");
   }
 
-  void decipher(Position at, std::string& text, const std::string& subject = {}) {
+  /// True where `text` became plain.
+  [[nodiscard]] bool decipher(Position at, const std::string& subject, std::string& text) {
     const host::Deciphered& deciphered = decipherer_.decipher(base::strings::to_wide(text));
-    if (deciphered.fault == nullptr) {
-      text = deciphered.plain;
-    } else {
+    if (deciphered.fault != nullptr) {
       fault(at, subject + deciphered.fault);
+      return false;
     }
+    any_deciphered_ = true;
+    text = deciphered.plain;
+    return true;
   }
 
   PlainScript script_;
@@ -74,6 +83,7 @@ class Decipherment {
   std::vector<Fault> faults_;
   std::string where_;
   std::size_t number_ = 0;
+  bool any_deciphered_ = false;
 };
 
 std::vector<std::int32_t> indexes_of(const PlainScript& script) {

@@ -69,6 +69,7 @@ class Reader {
   void commands(PlainScript& script) {
     cursor_.skip_between();
     refuse_other_markup();
+    if (cursor_.comes("</")) cursor_.fail("<install> does not hold <commands>");
     PlainElement commands;
     const bool empty = open_tag(commands);
     if (commands.name != "commands") {

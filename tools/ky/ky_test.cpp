@@ -1,0 +1,74 @@
+#include "tools/ky/ky.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "platform/desk/desk.h"
+#include "tests/support/temporary_folder.h"
+
+namespace {
+
+class Ky : public testing::Test {
+ protected:
+  int run(const std::vector<std::string>& arguments) {
+    std::ostringstream out;
+    std::ostringstream err;
+    const int code = workbench::run_ky(arguments, out, err);
+    out_ = out.str();
+    err_ = err.str();
+    return code;
+  }
+
+  support::TemporaryFolder folder_;
+  std::string out_;
+  std::string err_;
+};
+
+TEST_F(Ky, FreshKeysCompileAndDecompileAScript) {
+  const std::string key = folder_ / "script.key";
+  const std::string plain = "<install version=\"1.0\">\n    <commands>\n        <Nop/>\n    </commands>\n</install>\n";
+  ASSERT_EQ(run({"keys", "new", folder_.path()}), 0) << err_;
+  EXPECT_NE(out_.find(key + '\n'), std::string::npos);
+  ASSERT_EQ(desk::write_file(folder_ / "plain.xml", plain), "");
+  EXPECT_EQ(run({"script", "compile", folder_ / "plain.xml", "-o", folder_ / "s.xml", "--script-key", key}), 0) << err_;
+  EXPECT_EQ(run({"script", "decompile", folder_ / "s.xml", "-o", folder_ / "back.xml", "--script-key", key}), 0)
+      << err_;
+  EXPECT_EQ(out_ + err_, "");
+  std::string back;
+  EXPECT_EQ(desk::read_file(folder_ / "back.xml", 1000, back), "");
+  EXPECT_EQ(back, plain);
+
+  EXPECT_EQ(run({"script", "decompile", folder_ / "s.xml", "-o", folder_ / "never.xml"}), 1) << "that is another key";
+  EXPECT_EQ(err_, (folder_ / "s.xml") + ":1:146: element 1: its name does not decipher with the key\n");
+  EXPECT_FALSE(desk::exists(folder_ / "never.xml"));
+}
+
+TEST_F(Ky, BadInputIsOneLineAndNothingIsWritten) {
+  ASSERT_EQ(desk::write_file(folder_ / "bad.xml", "<install version=\"1.0\"><commands><Nap/></commands></install>"),
+            "");
+  ASSERT_EQ(desk::write_file(folder_ / "bad.key", "-----BEGIN KY SCRIPT KEY-----\n"), "");
+  const struct {
+    std::vector<std::string> arguments;
+    std::string refusal;
+  } cases[] = {
+      {{"script", "compile", folder_ / "bad.xml", "-o", folder_ / "out"},
+       folder_ / "bad.xml" + ":1:34: <Nap> is not the name of a command\n"},
+      {{"script", "compile", folder_ / "absent", "-o", folder_ / "out"},
+       folder_ / "absent" + ": cannot be read: it does not exist\n"},
+      {{"script", "compile", folder_ / "bad.xml", "-o", folder_ / "out", "--script-key", folder_ / "bad.key"},
+       folder_ / "bad.key" + ": it does not end with \"-----END KY SCRIPT KEY-----\"\n"},
+      {{"script", "decompile", folder_.path(), "-o", folder_ / "out"},
+       folder_.path() + ": cannot be read: it is a folder\n"},
+  };
+  for (const auto& [arguments, refusal] : cases) {
+    EXPECT_EQ(run(arguments), 1);
+    EXPECT_EQ(err_, refusal);
+    EXPECT_FALSE(desk::exists(folder_ / "out"));
+  }
+  EXPECT_EQ(run({"script", "compile"}), 2);
+  EXPECT_EQ(run({"--version"}), 0);
+  EXPECT_EQ(err_, "");
+}
+
+}  // namespace
