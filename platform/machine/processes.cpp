@@ -85,7 +85,7 @@ bool Processes::fail(ErrorCode error) {
 }
 
 ErrorCode Processes::find(const wchar_t* command_line, const wchar_t* directory, Image& image, std::wstring& folder) {
-  const State& state = world_.state;
+  State& state = world_.state;
   if (command_line == nullptr || program_candidates(command_line).empty()) return code::invalid_parameter;
   folder = directory != nullptr ? directory : state.environment.current_folder;
   if (directory != nullptr && !is_folder(state, folder)) return code::directory_name_invalid;
@@ -171,7 +171,7 @@ ErrorCode Processes::shell_start(const ports::ShellRequest& request, std::shared
   std::wstring folder;
   {
     const ports::Lock lock(world_.mutex);
-    const State& state = world_.state;
+    State& state = world_.state;
     image = find_file(state, request.file);
     if (image.error == code::file_not_found) return image.error;
     // The shell opens folders and documents itself.
