@@ -29,6 +29,8 @@ class LogStream {
   LogStream& operator=(const LogStream&) = delete;
 
   LogStream& operator<<(std::wstring_view text);
+  /// For literals, which would otherwise be taken for words of truth.
+  LogStream& operator<<(const wchar_t* text) { return *this << std::wstring_view(text); }
   LogStream& operator<<(std::int32_t number);
   LogStream& operator<<(std::uint32_t number);
   /// As a word, "true" or "false".

@@ -45,7 +45,9 @@ TEST(ResourceText, IsWhatStandsBetweenTheOuterBrackets) {
   for (const auto& row : rows) {
     const auto part = res::document_part(row.bytes);
     EXPECT_EQ(part.has_value(), row.part != nullptr) << row.bytes;
-    if (part) EXPECT_EQ(*part, row.part);
+    if (part) {
+      EXPECT_EQ(*part, row.part);
+    }
   }
 }
 

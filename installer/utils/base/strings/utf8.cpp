@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 namespace base::strings {
 
@@ -48,6 +49,17 @@ Decoded decode(std::string_view text, std::size_t at) {
   return {character, lead.length, true};
 }
 
+/// Where the ASCII that begins at `at` ends: mostly at the end of the text, and none of it needs decoding.
+std::size_t ascii_end(std::string_view text, std::size_t at) {
+  constexpr std::uint64_t high_bits = 0x8080808080808080;
+  for (std::uint64_t eight = 0; at + sizeof(eight) <= text.size(); at += sizeof(eight)) {
+    std::memcpy(&eight, text.data() + at, sizeof(eight));
+    if ((eight & high_bits) != 0) break;
+  }
+  while (at < text.size() && static_cast<unsigned char>(text[at]) < 0x80) ++at;
+  return at;
+}
+
 bool is_high_surrogate(wchar_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
 bool is_surrogate(wchar_t unit) { return unit >= 0xD800 && unit <= 0xDFFF; }
 bool is_low_surrogate(wchar_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
@@ -77,8 +89,11 @@ std::wstring to_wide(std::string_view utf8) {
   std::wstring out;
   out.reserve(utf8.size());
   for (std::size_t at = 0; at < utf8.size();) {
-    const Decoded next = decode(utf8, at);
-    at += next.length;
+    const std::size_t end = ascii_end(utf8, at);
+    out.append(utf8.begin() + static_cast<std::ptrdiff_t>(at), utf8.begin() + static_cast<std::ptrdiff_t>(end));
+    if (end == utf8.size()) break;
+    const Decoded next = decode(utf8, end);
+    at = end + next.length;
     if (next.character < 0x10000) {
       out.push_back(static_cast<wchar_t>(next.character));
     } else {
@@ -106,7 +121,7 @@ std::string to_utf8(std::wstring_view wide) {
 }
 
 bool is_utf8(std::string_view bytes) {
-  for (std::size_t at = 0; at < bytes.size();) {
+  for (std::size_t at = 0; (at = ascii_end(bytes, at)) < bytes.size();) {
     const Decoded next = decode(bytes, at);
     if (!next.well_formed) return false;
     at += next.length;

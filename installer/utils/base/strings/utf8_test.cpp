@@ -69,7 +69,9 @@ TEST(Expand, ReplacesFromTheStartUntilNoNameIsLeft) {
     std::size_t steps = 0;
     const bool done = expand_in_place(text, value_of, [&steps] { ++steps; });
     EXPECT_EQ(done, row.expected != nullptr) << row.text;
-    if (done) EXPECT_EQ(text, row.expected) << row.text;
+    if (done) {
+      EXPECT_EQ(text, row.expected) << row.text;
+    }
   }
 }
 

@@ -1,0 +1,60 @@
+// Runs all benchmarks side by side and prints what counts: each figure against its floor, or against its limit.
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace {
+
+/// Keeps the medians beside what the console shows.
+class Medians final : public benchmark::ConsoleReporter {
+ public:
+  void ReportRuns(const std::vector<Run>& runs) override {
+    for (const Run& run : runs) {
+      if (run.aggregate_name == "median") medians[run.run_name.function_name] = run.GetAdjustedRealTime();
+    }
+    ConsoleReporter::ReportRuns(runs);
+  }
+  std::map<std::string, double> medians;  // microseconds
+};
+
+struct Target {
+  const char* what;
+  const char* measured;
+  const char* floor;  // null: the limit is in microseconds
+  double limit;
+};
+
+constexpr Target targets[] = {
+    {"script to loaded commands, times its floor", "load_script", "load_script_floor", 2.5},
+    {"script to loaded commands, microseconds", "load_script", nullptr, 2000},
+    {"expansion of ten variables, times a single pass", "expand_ten", "expand_ten_floor", 3},
+    {"the edition's whole rehearsal, microseconds", "rehearse_edition", nullptr, 100'000},
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::vector<char*> arguments(argv, argv + argc);
+  std::string repetitions = "--benchmark_repetitions=9";
+  std::string interleaving = "--benchmark_enable_random_interleaving=true";
+  std::string aggregates = "--benchmark_report_aggregates_only=true";
+  for (std::string* const argument : {&repetitions, &interleaving, &aggregates}) arguments.push_back(argument->data());
+  int count = static_cast<int>(arguments.size());
+  benchmark::Initialize(&count, arguments.data());
+  Medians medians;
+  benchmark::RunSpecifiedBenchmarks(&medians);
+  std::printf("\nmedians of nine, measured side by side\n");
+  int missed = 0;
+  for (const Target& target : targets) {
+    if (medians.medians.count(target.measured) == 0) continue;
+    const double floor = target.floor == nullptr ? 1 : medians.medians[target.floor];
+    const double figure = medians.medians[target.measured] / floor;
+    const bool met = figure <= target.limit;
+    missed += met ? 0 : 1;
+    std::printf("%-52s %10.2f  (at most %g)%s\n", target.what, figure, target.limit, met ? "" : "  MISSED");
+  }
+  return missed == 0 ? 0 : 1;
+}

@@ -1,0 +1,42 @@
+#!/usr/bin/env python3
+"""Holds the factory table, the commands' document and, when its file is given, the library's exports against each other."""
+
+import pathlib
+import re
+import subprocess
+import sys
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+
+
+def factories():
+    text = (ROOT / "include/ky/factories.h").read_text(encoding="utf-8")
+    return dict(re.findall(r"FACTORY\((\w+), (C\w+)\)", text))
+
+
+def documented():
+    text = (ROOT / "docs/commands.md").read_text(encoding="utf-8")
+    return dict(re.findall(r"^\| `(\w+)` \| `(C\w+)` \|", text, re.M))
+
+
+def exported(library):
+    out = subprocess.run(["x86_64-w64-mingw32-objdump", "-p", library], check=True, capture_output=True, text=True).stdout
+    table = out[out.index("[Ordinal/Name Pointer] Table"):]
+    return set(re.findall(r"\[\s*\d+\]\s+(?:\+base\[\s*\d+\]\s+\w+\s+)?(\w+)\s*$", table, re.M))
+
+
+def main():
+    table, rows = factories(), documented()
+    faults = []
+    if not table or table != rows:
+        faults.append(f"include/ky/factories.h and docs/commands.md differ: {sorted(table.items() ^ rows.items())}")
+    for library in sys.argv[1:]:
+        expected = {f"GetC{stem}Command" for stem in table}
+        if (found := exported(library)) != expected:
+            faults.append(f"{library}: exports and table differ: {sorted(found ^ expected)}")
+    print("\n".join(faults) or f"{len(table)} commands agree")
+    return 1 if faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,177 @@
+// Runs for real, held against rehearsals of the same.
+#include <gtest/gtest.h>
+
+#define PICOJSON_USE_INT64
+#include <picojson.h>
+
+#include <algorithm>
+#include <memory>
+
+#include "installer/utils/base/strings/utf8.h"
+#include "platform/desk/desk.h"
+#include "platform/machine/machine.h"
+#include "platform/ports/build.h"
+#include "platform/ports/files.h"
+#include "tests/scenario/laid_out.h"
+#include "tests/scenario/programs.h"
+#include "tests/scenario/samples.h"
+
+namespace scenario {
+namespace {
+
+const ports::System& real() { return *ports::real_system(ports::Module::null); }
+
+std::string source_path(const std::string& path) { return desk_path(std::string(KY_SOURCE_FOLDER) + "/" + path); }
+
+picojson::value parse(const std::string& text) {
+  picojson::value document;
+  const std::string error = picojson::parse(document, text);
+  EXPECT_EQ(error, "");
+  return document;
+}
+
+/// The document of a machine that a real prefix can be laid out like: nobody holds a file, and there are no links, which
+/// Wine does not make.
+std::string alike(const std::string& file) {
+  picojson::value document = parse(read_text(source_path("samples/machines/" + file)));
+  picojson::array& files = document.get<picojson::object>()["files"].get<picojson::array>();
+  const auto is_link = [](const picojson::value& row) { return row.contains("link"); };
+  files.erase(std::remove_if(files.begin(), files.end(), is_link), files.end());
+  for (picojson::value& row : files) {
+    for (const char* const member : {"open", "running", "protected"}) row.get<picojson::object>().erase(member);
+  }
+  return document.serialize();
+}
+
+/// A machine with its engines, for its ports alone.
+struct LaidOutMachine {
+  explicit LaidOutMachine(const std::string& text)
+      : world(machine::Machine::from_json(text, "laid out")),
+        engines(ports::make_engines(world->errors())),
+        system(world->system(*engines)) {}
+  std::unique_ptr<machine::Machine> world;
+  std::unique_ptr<ports::Engines> engines;
+  ports::System system;
+};
+
+picojson::object comparable_globals(const picojson::value& result, const picojson::value& other) {
+  picojson::object globals = result.get("globals").get<picojson::object>();
+  for (const picojson::value* const from : {&result, &other}) {
+    for (const picojson::value& name : from->get("environment").get<picojson::array>()) {
+      globals.erase(name.get<std::string>());
+    }
+  }
+  return globals;
+}
+
+class RealRuns : public testing::TestWithParam<Sample> {};
+
+TEST_P(RealRuns, GiveTheCommandsAndGlobalsOfTheRehearsal) {
+  const Sample& sample = GetParam();
+  const LaidOutMachine workshop(alike("workshop.json"));
+  copy_folder(workshop.system, real(), L"C:\\KySample");
+  copy_key(workshop.system, real(), {ports::RegistryKey::local_machine, L"HKEY_LOCAL_MACHINE", L"SOFTWARE\\KySample"});
+  const std::string out = output_folder("run-" + sample.name);
+  const int code = run_program(desk_path(KY_PROGRAM), {"run", "--script",
+                                                       source_path("samples/scripts/" + sample.script + ".xml"), "--key",
+                                                       source_path("keys/development/log-private.pem"), "--out", out});
+  EXPECT_EQ(code == 0, sample.exit_code == 0) << code;
+  const picojson::value run = parse(read_text(desk::join(out, "result.json")));
+  const picojson::value rehearsal = parse(read_text(source_path("tests/golden/results/" + sample.name + ".json")));
+  for (const char* const member : {"commands", "returnCode", "stopped", "endedEarly"}) {
+    EXPECT_EQ(run.get(member).serialize(), rehearsal.get(member).serialize()) << member;
+  }
+  EXPECT_EQ(picojson::value(comparable_globals(run, rehearsal)).serialize(),
+            picojson::value(comparable_globals(rehearsal, run)).serialize());
+  EXPECT_FALSE(read_text(desk::join(out, "log.txt")).empty());
+}
+
+std::vector<Sample> runnable() {
+  std::vector<Sample> out;
+  std::copy_if(samples().begin(), samples().end(), std::back_inserter(out),
+               [](const Sample& sample) { return !sample.script.empty(); });
+  return out;
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, RealRuns, testing::ValuesIn(runnable()), [](const testing::TestParamInfo<Sample>& sample) {
+  std::string name = sample.param.name;
+  std::replace(name.begin(), name.end(), '-', '_');
+  return name;
+});
+
+const std::vector<std::wstring> folders = {L"C:\\Program Files", L"C:\\Program Files (x86)", L"C:\\ProgramData",
+                                           L"C:\\Users\\Public", L"C:\\Users\\anna"};
+const std::vector<KeyRoot> keys = {
+    {ports::RegistryKey::local_machine, L"HKEY_LOCAL_MACHINE", L"SOFTWARE\\Tavrine"},
+    {ports::RegistryKey::local_machine, L"HKEY_LOCAL_MACHINE", L"SOFTWARE\\Tavrine Device Management"},
+    {ports::RegistryKey::local_machine, L"HKEY_LOCAL_MACHINE", L"SOFTWARE\\Tavrine Parent Care"},
+    {ports::RegistryKey::local_machine, L"HKEY_LOCAL_MACHINE", L"SOFTWARE\\Tavrine VPN"},
+    {ports::RegistryKey::local_machine, L"HKEY_LOCAL_MACHINE", L"SOFTWARE\\Tavrinex"},
+    {ports::RegistryKey::local_machine, L"HKEY_LOCAL_MACHINE", L"SOFTWARE\\KyAgent"},
+    {ports::RegistryKey::local_machine, L"HKEY_LOCAL_MACHINE", L"SOFTWARE\\Example"},
+    {ports::RegistryKey::local_machine, L"HKEY_LOCAL_MACHINE", L"SOFTWARE\\Wow6432Node\\KyAgent"},
+    {ports::RegistryKey::local_machine, L"HKEY_LOCAL_MACHINE", L"SOFTWARE\\Wow6432Node\\Example Player"},
+    {ports::RegistryKey::local_machine, L"HKEY_LOCAL_MACHINE", L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Run"},
+    {ports::RegistryKey::local_machine, L"HKEY_LOCAL_MACHINE",
+     L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall"},
+    {ports::RegistryKey::users, L"HKEY_USERS", L"S-1-5-21-1004336348-1177238915-682003330-1001"},
+    {ports::RegistryKey::users, L"HKEY_USERS", L"S-1-5-21-1004336348-1177238915-682003330-1002"},
+};
+
+std::set<std::wstring> list_all(const ports::System& world) {
+  std::set<std::wstring> out;
+  for (const std::wstring& folder : folders) out.merge(list_folder(world, folder));
+  for (const KeyRoot& key : keys) out.merge(list_key(world, key));
+  return out;
+}
+
+std::set<std::wstring> missing(const std::set<std::wstring>& before, const std::set<std::wstring>& after) {
+  std::set<std::wstring> out;
+  std::set_difference(before.begin(), before.end(), after.begin(), after.end(), std::inserter(out, out.end()));
+  return out;
+}
+
+/// The products lie where the suite's set-up lies; the suite's helper is a program that ends.
+std::wstring lay_out_the_suite(const ports::System& like) {
+  for (const std::wstring& folder : folders) copy_folder(like, real(), folder);
+  for (const KeyRoot& key : keys) copy_key(like, real(), key);
+  const std::wstring setup = L"C:\\Program Files\\Tavrine\\Setup\\";
+  const std::wstring product = base::strings::to_wide(desk_path(std::string(KY_BINARY_FOLDER) + "/product/"));
+  for (const wchar_t* const file : {L"kysetup.exe", L"kycommands.dll"}) {
+    copy_file(real(), product + file, real(), setup + file);
+  }
+  copy_file(real(), base::strings::to_wide(desk_path(KY_CHILD)), real(),
+            L"C:\\Program Files\\Tavrine\\Tavrine\\KyElevate.exe");
+  return setup + L"kysetup.exe";
+}
+
+TEST(Kysetup, RemovesForRealWhatTheRehearsalRemovesAndNothingElse) {
+  const std::string text = alike("suite-installed.json");
+  LaidOutMachine like(text);
+  const std::wstring program = lay_out_the_suite(like.system);
+  const std::set<std::wstring> before = list_all(real());
+  EXPECT_EQ(run_program(base::strings::to_utf8(program), {}), 0);
+  const std::set<std::wstring> gone = missing(before, list_all(real()));
+
+  const std::string out = output_folder("kysetup");
+  const std::string file = desk::join(out, "laid-out.json");
+  ASSERT_EQ(desk::write_file(file, text), "");
+  EXPECT_EQ(run_program(desk_path(KY_PROGRAM), {"rehearse", "--machine", file, "--out", out}), 0);
+  LaidOutMachine after(read_text(desk::join(out, "machine.json")));
+  const std::set<std::wstring> machine_before = list_all(like.system);
+  const std::set<std::wstring> machine_gone = missing(machine_before, list_all(after.system));
+  EXPECT_EQ(gone, machine_gone);
+  EXPECT_GT(gone.size(), 100u);
+
+  // Nothing came, and every bystander stands.
+  EXPECT_TRUE(missing(list_all(real()), before).empty());
+  for (const wchar_t* const bystander :
+       {L"c:\\program files\\example office\\office.exe", L"c:\\program files\\tavrine\\setup\\kysetup.exe",
+        L"c:\\users\\anna\\documents\\diary.txt", L"hkey_local_machine\\software\\tavrinex\\",
+        L"hkey_local_machine\\software\\microsoft\\windows\\currentversion\\uninstall\\example office\\"}) {
+    EXPECT_TRUE(before.contains(bystander) && !gone.contains(bystander)) << base::strings::to_utf8(bystander);
+  }
+}
+
+}  // namespace
+}  // namespace scenario

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace scenario {
+
+/// One rehearsal of the samples: a machine, and a script or the edition's own.
+struct Sample {
+  std::string name;
+  std::string machine;
+  std::string script;  // empty: the edition's
+  int exit_code;       // of the rehearsal
+};
+
+inline const std::vector<Sample>& samples() {
+  static const std::vector<Sample> all = {
+      {"edition-whole", "suite-installed", "", 0},
+      {"edition-nothing", "nothing-installed", "", 0},
+      {"conditions", "workshop", "conditions", 0},
+      {"deletions", "workshop", "deletions", 0},
+      {"documents", "workshop", "documents", 0},
+      {"jumps", "workshop", "jumps", 0},
+      {"return-code", "workshop", "return-code", 1},
+      {"stop-undefined-text", "workshop", "stop-undefined-text", 1},
+  };
+  return all;
+}
+
+}  // namespace scenario

@@ -1,0 +1,60 @@
+#include "tests/scenario/samples.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <ostream>
+
+#include "platform/desk/desk.h"
+#include "tests/scenario/programs.h"
+
+namespace scenario {
+
+void PrintTo(const Sample& sample, std::ostream* out) { *out << sample.name; }
+
+namespace {
+
+std::string source_path(const std::string& path) { return desk_path(std::string(KY_SOURCE_FOLDER) + "/" + path); }
+
+int rehearse(const std::string& machine, const std::string& script, const std::string& out) {
+  std::vector<std::string> arguments = {"rehearse", "--machine", machine, "--out", out};
+  if (!script.empty()) {
+    arguments.emplace_back("--script");
+    arguments.push_back(source_path("samples/scripts/" + script + ".xml"));
+  }
+  return run_program(desk_path(KY_PROGRAM), arguments);
+}
+
+class Samples : public testing::TestWithParam<Sample> {};
+
+// One golden file for both builds: what they give is the same to the byte. KY_UPDATE_GOLDEN=1 writes it anew.
+TEST_P(Samples, RehearseToTheirGoldenResult) {
+  const Sample& sample = GetParam();
+  const std::string out = output_folder(sample.name);
+  EXPECT_EQ(rehearse(source_path("samples/machines/" + sample.machine + ".json"), sample.script, out),
+            sample.exit_code);
+  const std::string result = read_text(desk::join(out, "result.json"));
+  const std::string golden = source_path("tests/golden/results/" + sample.name + ".json");
+  if (std::getenv("KY_UPDATE_GOLDEN") != nullptr) {
+    ASSERT_EQ(desk::write_file(golden, result), "");
+  }
+  EXPECT_EQ(result, read_text(golden));
+}
+
+TEST_P(Samples, RunTwiceChangeNothingTheSecondTime) {
+  const Sample& sample = GetParam();
+  const std::string first = output_folder(sample.name + "-first");
+  const std::string second = output_folder(sample.name + "-second");
+  static_cast<void>(rehearse(source_path("samples/machines/" + sample.machine + ".json"), sample.script, first));
+  static_cast<void>(rehearse(desk::join(first, "machine.json"), sample.script, second));
+  EXPECT_NE(read_text(desk::join(second, "result.json")).find("\"changes\": [],"), std::string::npos);
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, Samples, testing::ValuesIn(samples()), [](const testing::TestParamInfo<Sample>& sample) {
+  std::string name = sample.param.name;
+  for (char& c : name) c = c == '-' ? '_' : c;
+  return name;
+});
+
+}  // namespace
+}  // namespace scenario
