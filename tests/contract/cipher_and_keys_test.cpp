@@ -1,0 +1,148 @@
+#include <algorithm>
+#include <array>
+
+#include "platform/ports/script_cipher.h"
+#include "tests/contract/world.h"
+
+namespace contract {
+
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+namespace code = ports::code;
+
+Bytes bytes_of(std::string_view text) {
+  return {text.begin(), text.end()};
+}
+
+class CipherAndKeys : public Contract {
+ protected:
+  void SetUp() override {
+    std::array<std::uint8_t, ports::ScriptCipher::key_size> bytes{};
+    for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<std::uint8_t>(i);
+    key_ = cipher().import_key(bytes);
+    ASSERT_NE(key_, 0U) << last_error();
+  }
+  void TearDown() override { cipher().destroy_key(key_); }
+
+  ports::ScriptCipher& cipher() { return system().cipher; }
+  [[nodiscard]] std::uintptr_t key() const { return key_; }
+
+  ports::ErrorCode decrypt(Bytes& bytes) {
+    auto size = static_cast<std::uint32_t>(bytes.size());
+    bytes.resize(bytes.size() + 1);  // So that there is a place to point at.
+    const ports::ErrorCode result = code_of(cipher().decrypt(key_, bytes.data(), size));
+    bytes.resize(size);
+    return result;
+  }
+
+  ports::ErrorCode decode(std::wstring_view text, Bytes& bytes, std::size_t limit = 64) {
+    bytes.assign(limit, 0);
+    std::uint32_t size = 0;
+    const auto length = static_cast<std::uint32_t>(text.size());
+    const ports::ErrorCode result = code_of(cipher().decode_base64(text.data(), length, bytes, size));
+    bytes.resize(result == 0 ? size : 0);
+    return result;
+  }
+
+ private:
+  std::uintptr_t key_ = 0;
+};
+
+TEST_P(CipherAndKeys, TheCipherIsAes256CbcWithAZeroIv) {
+  const Bytes known = {0xAA, 0x7E, 0x8C, 0x9C, 0x44, 0xD2, 0x3A, 0x76, 0x0F, 0x32, 0x0B, 0x9F, 0x8E, 0x18, 0xB5, 0xB4};
+  EXPECT_EQ(cipher().encrypt(key(), bytes_of("Nop")), known);
+  for (const std::size_t size : {0U, 1U, 15U, 16U, 37U, 367U}) {
+    const Bytes plain(size, 'x');
+    Bytes turned = cipher().encrypt(key(), plain);
+    EXPECT_EQ(turned.size(), (size / 16 + 1) * 16);
+    EXPECT_EQ(cipher().encrypt(key(), plain), turned) << "each value starts anew";
+    EXPECT_EQ(decrypt(turned), 0U);
+    EXPECT_EQ(turned, plain);
+  }
+}
+
+TEST_P(CipherAndKeys, WhatIsNoCipherTextIsRefused) {
+  Bytes broken = cipher().encrypt(key(), bytes_of("value"));
+  broken[15] = static_cast<std::uint8_t>(broken[15] ^ 0x5A);
+  for (Bytes bytes : {Bytes{}, Bytes(15, 1), Bytes(17, 1), broken}) {
+    EXPECT_EQ(decrypt(bytes), code::bad_cipher_data) << bytes.size();
+  }
+}
+
+TEST_P(CipherAndKeys, Base64IsDecodedWithinItsLimit) {
+  Bytes bytes;
+  for (const auto& [text, plain] : {std::pair<std::wstring_view, std::string_view>{L"QUJD", "ABC"},
+                                    {L"QUI=", "AB"},
+                                    {L"QQ==", "A"},
+                                    {L"+/+/", "\xFB\xFF\xBF"},
+                                    {L"", ""}}) {
+    EXPECT_EQ(decode(text, bytes), 0U);
+    EXPECT_EQ(bytes, bytes_of(plain));
+  }
+  EXPECT_EQ(decode(L"QUJDREVG", bytes, 6), 0U);
+  EXPECT_EQ(decode(L"Q*JD", bytes), code::invalid_data);
+  const ports::ErrorCode too_small = decode(L"QUJDREVG", bytes, 5);
+  EXPECT_NE(too_small, 0U);
+  expect_but_for_wine_engines("base64 into a short buffer", too_small == code::more_data);
+}
+
+TEST_P(CipherAndKeys, FreshKeysDiffer) {
+  std::array<std::uint8_t, 32> first{}, second{};
+  EXPECT_TRUE(system().key_maker.random(first));
+  EXPECT_TRUE(system().key_maker.random(second));
+  EXPECT_NE(first, second);
+}
+
+/// The content of the DER element at `at`, which moves behind it.
+Bytes der_content(const Bytes& der, std::size_t& at, std::uint8_t tag) {
+  EXPECT_EQ(der.at(at), tag);
+  std::size_t size = der.at(at + 1);
+  at += 2;
+  if (size >= 0x80) {
+    std::size_t digits = size - 0x80;
+    for (size = 0; digits != 0; --digits) size = (size << 8) | der.at(at++);
+  }
+  at += size;
+  return {der.begin() + static_cast<std::ptrdiff_t>(at - size), der.begin() + static_cast<std::ptrdiff_t>(at)};
+}
+
+TEST_P(CipherAndKeys, AnRsaPairIsOneKeyInTwoForms) {
+  ports::RsaPair pair;
+  ASSERT_TRUE(system().key_maker.rsa_pair(1024, pair)) << last_error();
+
+  std::size_t at = 0;
+  const Bytes info = der_content(pair.public_key, at, 0x30);
+  EXPECT_EQ(at, pair.public_key.size());
+  at = 0;
+  const Bytes algorithm = der_content(info, at, 0x30);
+  const Bytes bits = der_content(info, at, 0x03);
+  at = 1;
+  const Bytes public_numbers = der_content(bits, at, 0x30);
+  at = 0;
+  const Bytes modulus = der_content(public_numbers, at, 0x02);
+  EXPECT_EQ(modulus.size(), 129U) << "with the leading zero of a positive number";
+  EXPECT_EQ(der_content(public_numbers, at, 0x02), (Bytes{1, 0, 1}));
+
+  at = 0;
+  const Bytes private_info = der_content(pair.private_key, at, 0x30);
+  EXPECT_EQ(at, pair.private_key.size());
+  at = 0;
+  EXPECT_EQ(der_content(private_info, at, 0x02), Bytes{0});
+  EXPECT_EQ(der_content(private_info, at, 0x30), algorithm);
+  const Bytes wrapped = der_content(private_info, at, 0x04);
+  at = 0;
+  const Bytes numbers = der_content(wrapped, at, 0x30);
+  at = 0;
+  EXPECT_EQ(der_content(numbers, at, 0x02), Bytes{0});
+  EXPECT_EQ(der_content(numbers, at, 0x02), modulus);
+  EXPECT_EQ(der_content(numbers, at, 0x02), (Bytes{1, 0, 1}));
+  for (int rest = 0; rest < 6; ++rest) EXPECT_FALSE(der_content(numbers, at, 0x02).empty());
+  EXPECT_EQ(at, numbers.size());
+}
+
+KY_CONTRACT(CipherAndKeys);
+
+}  // namespace
+
+}  // namespace contract

@@ -1,0 +1,56 @@
+#include "tests/contract/machine_world.h"
+
+#include "platform/machine/machine.h"
+#include "platform/ports/build.h"
+#include "tests/contract/scratch.h"
+
+namespace contract {
+
+namespace {
+
+class MachineWorld final : public World {
+ public:
+  MachineWorld() { machine_.add_resource(resource_type, resource_id, {resource_bytes.begin(), resource_bytes.end()}); }
+
+  const ports::System& system() override { return system_; }
+
+  std::wstring folder() override {
+    if (folder_.empty()) folder_ = make_scratch_folder(system_);
+    return folder_;
+  }
+
+  std::wstring key() override { return L"Software\\KyContract"; }
+
+  Child child(std::uint32_t milliseconds, std::uint32_t exit_code) override {
+    const std::wstring path = L"C:\\child" + std::to_wstring(++children_) + L".exe";
+    const ports::Handle file =
+        system_.files.open(path.c_str(), ports::file_access::generic_write, 0, ports::Disposition::create_new, 0);
+    EXPECT_TRUE(system_.waits.close(file));
+    machine_.change([&](machine::State& state) {
+      machine::Program program;
+      program.image = path;
+      program.runs = milliseconds;
+      program.exit_code = exit_code;
+      state.programs.push_back(std::move(program));
+    });
+    return {path, L"argument"};
+  }
+
+  bool wine() const override { return false; }
+  bool wine_engines() const override { return engines_are_wine(); }
+
+ private:
+  machine::Machine machine_;
+  std::unique_ptr<ports::Engines> engines_ = ports::make_engines(machine_.errors());
+  ports::System system_ = machine_.system(*engines_);
+  std::wstring folder_;
+  std::uint32_t children_ = 0;
+};
+
+}  // namespace
+
+std::unique_ptr<World> make_machine_world() {
+  return std::make_unique<MachineWorld>();
+}
+
+}  // namespace contract
