@@ -9,7 +9,6 @@ endfunction()
 
 ky_third_party_headers(picojson /usr/include/picojson.h)
 ky_third_party_headers(cli11 /usr/include/CLI)
-ky_third_party_headers(rapidxml /usr/include/rapidxml)
 
 find_package(Threads REQUIRED)
 
