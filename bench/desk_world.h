@@ -17,7 +17,8 @@ struct DeskWorld {
   DeskWorld() {
     if (!session.start(host::built_in_script_key()).empty()) std::abort();
   }
-  machine::Machine world;
+  // Rounds count as steps of one run here.
+  machine::Machine world{machine::Options{.max_steps = ~std::uint64_t{0}}};
   std::unique_ptr<ports::Engines> engines = ports::make_engines(world.errors());
   ports::System system = world.system(*engines);
   host::TableFactories library{ky::library::factories()};

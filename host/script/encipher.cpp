@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "host/script/base64.h"
+#include "installer/utils/base/strings/base64.h"
 #include "platform/ports/script_cipher.h"
 
 namespace host {
@@ -11,7 +11,7 @@ std::string encipher(ports::ScriptCipher& cipher, std::uintptr_t key, std::strin
   const std::vector<std::uint8_t> plain(utf8.begin(), utf8.end());
   const std::vector<std::uint8_t> bytes = cipher.encrypt(key, plain);
   if (bytes.empty()) return {};
-  std::string form = '_' + encode_base64(bytes);
+  std::string form = '_' + base::strings::encode_base64(bytes);
   for (char& c : form) {
     if (c == '+') c = '-';
     if (c == '/') c = '_';

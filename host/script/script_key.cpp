@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "host/script/base64.h"
+#include "installer/utils/base/strings/base64.h"
 
 namespace host {
 
@@ -31,7 +31,7 @@ std::string parse_script_key(std::string_view text, ScriptKey& out) {
     if (blanks.find(c) == std::string_view::npos) digits.push_back(c);
   }
   std::array<std::uint8_t, 64> bytes{};
-  const auto size = decode_base64(digits, bytes);
+  const auto size = base::strings::decode_base64(digits, bytes);
   if (!size.has_value()) return "what stands between its first and last line is not base64 of a key";
   if (*size != out.size()) return "the key has " + std::to_string(*size) + " bytes instead of 32";
   for (std::size_t i = 0; i < out.size(); ++i) out[i] = bytes[i];
@@ -39,7 +39,7 @@ std::string parse_script_key(std::string_view text, ScriptKey& out) {
 }
 
 std::string format_script_key(const ScriptKey& key) {
-  return std::string(script_key_begin) + '\n' + encode_base64(key) + '\n' + std::string(script_key_end) + '\n';
+  return std::string(script_key_begin) + '\n' + base::strings::encode_base64(key) + '\n' + std::string(script_key_end) + '\n';
 }
 
 }  // namespace host

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "host/script/base64.h"
+#include "installer/utils/base/strings/base64.h"
 
 namespace {
 
@@ -15,9 +15,9 @@ TEST(Base64, GoesBothWaysAtEveryLengthOfAGroup) {
   } rows[] = {{"", ""}, {"f", "Zg=="}, {"fo", "Zm8="}, {"foo", "Zm9v"}, {"\xFB\xEF\xFF", "++//"}};
   for (const auto& row : rows) {
     const std::vector<std::uint8_t> plain(row.plain.begin(), row.plain.end());
-    EXPECT_EQ(host::encode_base64(plain), row.text);
+    EXPECT_EQ(base::strings::encode_base64(plain), row.text);
     std::vector<std::uint8_t> back(plain.size());
-    EXPECT_EQ(host::decode_base64(row.text, back), plain.size()) << row.text;
+    EXPECT_EQ(base::strings::decode_base64(row.text, back), plain.size()) << row.text;
     EXPECT_EQ(back, plain);
   }
 }
@@ -25,7 +25,7 @@ TEST(Base64, GoesBothWaysAtEveryLengthOfAGroup) {
 TEST(Base64, WhatIsNotWholeOrDoesNotFitIsRefused) {
   std::vector<std::uint8_t> three(3);
   for (const char* const text : {"Zg=", "Zg", "Z===", "Zh==", "Zm9v!g==", "Z=9v", "Zm9vZm9v", "===="}) {
-    EXPECT_EQ(host::decode_base64(text, three), std::nullopt) << text;
+    EXPECT_EQ(base::strings::decode_base64(text, three), std::nullopt) << text;
   }
 }
 

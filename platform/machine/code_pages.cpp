@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/machine/unicode.h"
+#include "installer/utils/base/strings/utf8.h"
 #include "platform/ports/codes.h"
 #include "platform/ports/system.h"
 
@@ -39,11 +39,15 @@ constexpr std::array<wchar_t, 32> upper = {0x20AC, 0x81,   0x201A, 0x192,  0x201
   std::string out;
   out.reserve(text.size());
   for (const wchar_t unit : text) {
+    if (unit < 0x80) {
+      out.push_back(static_cast<char>(unit));
+      continue;
+    }
     const auto* const found = std::find(upper.begin(), upper.end(), unit);
     if (found != upper.end()) {
       out.push_back(static_cast<char>(static_cast<unsigned char>(0x80 + (found - upper.begin()))));
     } else {
-      const bool there = unit < 0x80 || (unit >= 0xA0 && unit < 0x100);
+      const bool there = unit >= 0xA0 && unit < 0x100;
       out.push_back(there ? static_cast<char>(static_cast<unsigned char>(unit)) : '?');
     }
   }
@@ -83,14 +87,14 @@ std::int32_t CodePages::to_wide(std::uint32_t code_page, std::uint32_t flags, co
   std::string_view text;
   ports::ErrorCode error = source_of(code_page, source, source_length, destination, destination_length, text);
   const bool utf8 = code_page == ports::code_page::utf8;
-  if (error == code::success && utf8 && (flags & refuse_ill_formed) != 0 && first_ill_formed(text)) {
+  if (error == code::success && utf8 && (flags & refuse_ill_formed) != 0 && base::strings::first_ill_formed(text)) {
     error = code::no_unicode_translation;
   }
   if (error != code::success) {
     errors_.set_last(error);
     return 0;
   }
-  return deliver(utf8 ? utf16_from(text) : from_1252(text), destination, destination_length, errors_);
+  return deliver(utf8 ? base::strings::to_wide(text) : from_1252(text), destination, destination_length, errors_);
 }
 
 std::int32_t CodePages::to_narrow(std::uint32_t code_page, std::uint32_t /*flags*/, const wchar_t* source,
@@ -102,7 +106,7 @@ std::int32_t CodePages::to_narrow(std::uint32_t code_page, std::uint32_t /*flags
     return 0;
   }
   const bool utf8 = code_page == ports::code_page::utf8;
-  return deliver(utf8 ? utf8_from(text) : to_1252(text), destination, destination_length, errors_);
+  return deliver(utf8 ? base::strings::to_utf8(text) : to_1252(text), destination, destination_length, errors_);
 }
 
 }  // namespace machine

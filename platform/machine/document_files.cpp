@@ -3,11 +3,11 @@
 #include <set>
 #include <utility>
 
-#include "platform/machine/base64.h"
+#include "installer/utils/base/strings/base64.h"
+#include "installer/utils/base/strings/utf8.h"
 #include "platform/machine/document_sections.h"
 #include "platform/machine/file_lookup.h"
 #include "platform/machine/file_rules.h"
-#include "platform/machine/unicode.h"
 
 namespace machine {
 
@@ -174,7 +174,7 @@ std::vector<std::uint8_t> read_content(const JsonNode& row) {
   if (const auto text = row.find("text")) return {text->utf8().begin(), text->utf8().end()};
   const auto encoded = row.find("base64");
   if (!encoded) return {};
-  auto bytes = bytes_from_base64(encoded->utf8());
+  auto bytes = base::strings::decode_base64(encoded->utf8());
   if (!bytes) encoded->fail("this is not base64");
   return std::move(*bytes);
 }
@@ -184,10 +184,10 @@ void write_content(const std::vector<std::uint8_t>& bytes, picojson::object& row
   const bool plain = std::all_of(bytes.begin(), bytes.end(), [](std::uint8_t byte) {
     return byte == '\t' || byte == '\n' || byte == '\r' || (byte >= 0x20 && byte != 0x7F);
   });
-  if (plain && !first_ill_formed(text)) {
+  if (plain && !base::strings::first_ill_formed(text)) {
     row["text"] = picojson::value(text);
   } else {
-    row["base64"] = picojson::value(base64_from(bytes));
+    row["base64"] = picojson::value(base::strings::encode_base64(bytes));
   }
 }
 

@@ -3,9 +3,9 @@
 #include <set>
 #include <utility>
 
-#include "platform/machine/base64.h"
+#include "installer/utils/base/strings/base64.h"
+#include "installer/utils/base/strings/utf8.h"
 #include "platform/machine/document_sections.h"
-#include "platform/machine/unicode.h"
 
 namespace machine {
 
@@ -58,7 +58,7 @@ template <class Number>
 }
 
 [[nodiscard]] std::vector<std::uint8_t> read_base64(const JsonNode& node) {
-  auto bytes = bytes_from_base64(node.utf8());
+  auto bytes = base::strings::decode_base64(node.utf8());
   if (!bytes) node.fail("this is not base64");
   return std::move(*bytes);
 }
@@ -68,7 +68,7 @@ template <class Number>
   std::wstring text = text_units(value.bytes);
   if (text.empty() || text.back() != 0) return std::nullopt;
   text.pop_back();
-  const bool plain = text.find(L'\0') == std::wstring::npos && well_formed(text) && text_bytes(text) == value.bytes;
+  const bool plain = text.find(L'\0') == std::wstring::npos && base::strings::is_utf16(text) && text_bytes(text) == value.bytes;
   return plain ? std::optional(text) : std::nullopt;
 }
 
@@ -78,7 +78,7 @@ template <class Number>
   picojson::array out;
   for (std::size_t at = 0; at < units.size() && units[at] != 0;) {
     items.emplace_back(units.c_str() + at);
-    if (!well_formed(items.back())) return std::nullopt;
+    if (!base::strings::is_utf16(items.back())) return std::nullopt;
     out.push_back(json_text(items.back()));
     at += items.back().size() + 1;
   }
@@ -119,13 +119,13 @@ picojson::value write_value(const RegistryValue& value) {
   } else if (value.type == RegistryType::number64 && value.bytes.size() == 8) {
     return single("number64", picojson::value(std::to_string(number_of<std::uint64_t>(value.bytes))));
   } else if (value.type == RegistryType::binary) {
-    return single("binary", picojson::value(base64_from(value.bytes)));
+    return single("binary", picojson::value(base::strings::encode_base64(value.bytes)));
   } else if (value.type == RegistryType::text_list) {
     if (const auto list = plain_list(value)) return picojson::value(*list);
   }
   picojson::object raw;
   raw["type"] = json_number(static_cast<std::uint32_t>(value.type));
-  raw["bytes"] = picojson::value(base64_from(value.bytes));
+  raw["bytes"] = picojson::value(base::strings::encode_base64(value.bytes));
   return picojson::value(raw);
 }
 
@@ -164,7 +164,7 @@ void read_registry(const JsonNode& node, State& state) {
     for (const auto& [name, value] : values->object()) {
       const JsonNode item = values->child(name, value);
       if (name.find('\0') != std::string::npos) item.fail("a NUL cannot stand in a name");
-      if (!key.values.emplace(utf16_from(name), read_value(item)).second) item.fail("this value stands there twice");
+      if (!key.values.emplace(base::strings::to_wide(name), read_value(item)).second) item.fail("this value stands there twice");
     }
   }
 }
@@ -181,7 +181,7 @@ void write_below(const RegistryTree& tree, KeyId id, const std::wstring& path, p
     row["link"] = json_text(target == key.values.end() ? L"" : text_units(target->second.bytes));
   } else if (!key.values.empty()) {
     picojson::object values;
-    for (const auto& [name, value] : key.values) values[utf8_from(name)] = write_value(value);
+    for (const auto& [name, value] : key.values) values[base::strings::to_utf8(name)] = write_value(value);
     row["values"] = picojson::value(values);
   }
   if (!row.empty() || (key.subkeys.empty() && key.parent != 0)) {

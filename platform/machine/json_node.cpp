@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "installer/utils/base/strings/utf8.h"
 #include "platform/machine/document.h"
-#include "platform/machine/unicode.h"
 
 namespace machine {
 
@@ -62,7 +62,7 @@ const std::string& JsonNode::utf8() const {
 std::wstring JsonNode::text() const {
   const std::string& bytes = utf8();
   if (bytes.find('\0') != std::string::npos) fail("a NUL cannot stand here");
-  return utf16_from(bytes);
+  return base::strings::to_wide(bytes);
 }
 
 bool JsonNode::boolean() const {
@@ -160,7 +160,7 @@ picojson::value parse_json(std::string_view text, const std::string& file) {
   if (text.size() > largest_document) throw DocumentError(file + ": the document is larger than 64 MiB");
   constexpr std::string_view mark = "\xEF\xBB\xBF";
   if (text.substr(0, mark.size()) == mark) text.remove_prefix(mark.size());
-  if (const auto bad = first_ill_formed(text)) {
+  if (const auto bad = base::strings::first_ill_formed(text)) {
     const auto line = std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(*bad), '\n') + 1;
     fail_at(file, static_cast<std::size_t>(line), "the text is not UTF-8");
   }
@@ -178,7 +178,7 @@ picojson::value parse_json(std::string_view text, const std::string& file) {
 }
 
 picojson::value json_text(std::wstring_view text) {
-  return picojson::value(utf8_from(text));
+  return picojson::value(base::strings::to_utf8(text));
 }
 
 picojson::value json_number(std::uint64_t number) {

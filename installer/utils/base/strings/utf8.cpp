@@ -1,5 +1,6 @@
 #include "installer/utils/base/strings/utf8.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -60,9 +61,15 @@ std::size_t ascii_end(std::string_view text, std::size_t at) {
   return at;
 }
 
-bool is_high_surrogate(wchar_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
-bool is_surrogate(wchar_t unit) { return unit >= 0xD800 && unit <= 0xDFFF; }
-bool is_low_surrogate(wchar_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
+bool is_high_surrogate(wchar_t unit) {
+  return unit >= 0xD800 && unit <= 0xDBFF;
+}
+bool is_surrogate(wchar_t unit) {
+  return unit >= 0xD800 && unit <= 0xDFFF;
+}
+bool is_low_surrogate(wchar_t unit) {
+  return unit >= 0xDC00 && unit <= 0xDFFF;
+}
 
 void append_utf8(std::string& out, char32_t c) {
   const auto put = [&](char32_t byte) { out.push_back(static_cast<char>(static_cast<unsigned char>(byte))); };
@@ -87,10 +94,19 @@ void append_utf8(std::string& out, char32_t c) {
 
 std::wstring to_wide(std::string_view utf8) {
   std::wstring out;
+  to_wide(utf8, out);
+  return out;
+}
+
+void to_wide(std::string_view utf8, std::wstring& out) {
+  out.clear();
   out.reserve(utf8.size());
   for (std::size_t at = 0; at < utf8.size();) {
     const std::size_t end = ascii_end(utf8, at);
-    out.append(utf8.begin() + static_cast<std::ptrdiff_t>(at), utf8.begin() + static_cast<std::ptrdiff_t>(end));
+    const std::size_t so_far = out.size();
+    out.resize(so_far + end - at);
+    std::copy(utf8.begin() + static_cast<std::ptrdiff_t>(at), utf8.begin() + static_cast<std::ptrdiff_t>(end),
+              out.begin() + static_cast<std::ptrdiff_t>(so_far));
     if (end == utf8.size()) break;
     const Decoded next = decode(utf8, end);
     at = end + next.length;
@@ -102,7 +118,6 @@ std::wstring to_wide(std::string_view utf8) {
       out.push_back(static_cast<wchar_t>(0xDC00 + (offset & 0x3FF)));
     }
   }
-  return out;
 }
 
 std::string to_utf8(std::wstring_view wide) {
@@ -120,11 +135,22 @@ std::string to_utf8(std::wstring_view wide) {
   return out;
 }
 
-bool is_utf8(std::string_view bytes) {
+bool is_utf8(std::string_view bytes) { return !first_ill_formed(bytes); }
+
+std::optional<std::size_t> first_ill_formed(std::string_view bytes) {
   for (std::size_t at = 0; (at = ascii_end(bytes, at)) < bytes.size();) {
     const Decoded next = decode(bytes, at);
-    if (!next.well_formed) return false;
+    if (!next.well_formed) return at;
     at += next.length;
+  }
+  return std::nullopt;
+}
+
+bool is_utf16(std::wstring_view wide) {
+  for (std::size_t at = 0; at < wide.size(); ++at) {
+    if (!is_surrogate(wide[at])) continue;
+    if (!is_high_surrogate(wide[at]) || at + 1 == wide.size() || !is_low_surrogate(wide[at + 1])) return false;
+    ++at;
   }
   return true;
 }

@@ -26,7 +26,7 @@ TEST(Utf8, EachIllFormedStretchBecomesOneReplacement) {
               {"\xF0\x9F\x98", 1}, {"\xF5\x80", 2},     {"\xF4\x90\x80\x80", 4}, {"\xC3", 1}};
   for (const auto& row : rows) {
     EXPECT_EQ(to_wide(std::string("a") + row.bytes), L"a" + std::wstring(row.replacements, L'\uFFFD')) << row.bytes;
-    EXPECT_FALSE(is_utf8(row.bytes));
+    EXPECT_EQ(first_ill_formed(std::string("a") + row.bytes), 1u) << row.bytes;
   }
 }
 
@@ -36,6 +36,9 @@ TEST(Utf8, AnUnpairedSurrogateBecomesAReplacement) {
   EXPECT_EQ(to_utf8(std::wstring{high}), "\xEF\xBF\xBD");
   EXPECT_EQ(to_utf8(std::wstring{low, high}), "\xEF\xBF\xBD\xEF\xBF\xBD");
   EXPECT_EQ(to_utf8(std::wstring{high, L'a'}), "\xEF\xBF\xBD" "a");
+  EXPECT_TRUE(is_utf16(std::wstring{L'a', high, low}));
+  EXPECT_FALSE(is_utf16(std::wstring{high}));
+  EXPECT_FALSE(is_utf16(std::wstring{low, high}));
 }
 
 TEST(Number, ReadsLikeTheRuntimeWithALongOf32Bits) {

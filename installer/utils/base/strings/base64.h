@@ -6,8 +6,9 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
-namespace host {
+namespace base::strings {
 
 /// Base64 (RFC 4648) with its padding, without line ends.
 [[nodiscard]] std::string encode_base64(std::span<const std::uint8_t> bytes);
@@ -16,4 +17,7 @@ namespace host {
 /// fit.
 [[nodiscard]] std::optional<std::size_t> decode_base64(std::string_view text, std::span<std::uint8_t> into);
 
-}  // namespace host
+/// The same into bytes of their own, however many.
+[[nodiscard]] std::optional<std::vector<std::uint8_t>> decode_base64(std::string_view text);
+
+}  // namespace base::strings

@@ -1,8 +1,8 @@
-#include "host/script/base64.h"
+#include "installer/utils/base/strings/base64.h"
 
 #include <array>
 
-namespace host {
+namespace base::strings {
 
 namespace {
 
@@ -58,4 +58,12 @@ std::optional<std::size_t> decode_base64(std::string_view text, std::span<std::u
   return size;
 }
 
-}  // namespace host
+std::optional<std::vector<std::uint8_t>> decode_base64(std::string_view text) {
+  std::vector<std::uint8_t> bytes(text.size() / 4 * 3);
+  const std::optional<std::size_t> size = decode_base64(text, bytes);
+  if (!size) return std::nullopt;
+  bytes.resize(*size);
+  return bytes;
+}
+
+}  // namespace base::strings
