@@ -5,6 +5,7 @@
 #include <string>
 
 #include "installer/utils/base/strings/utf8.h"
+#include "platform/native/well_formed.h"
 #include "platform/ports/codes.h"
 
 namespace ports {
@@ -65,15 +66,15 @@ void append_text(pugi::xml_node node, std::string& out) {
   }
 }
 
-std::wstring place_and_reason(std::string_view utf8, const pugi::xml_parse_result& result) {
+std::wstring place_and_reason(std::string_view utf8, std::size_t offset, const char* what) {
   std::size_t line = 1;
   std::size_t column = 1;
-  for (const char c : utf8.substr(0, static_cast<std::size_t>(result.offset))) {
+  for (const char c : utf8.substr(0, offset)) {
     column = c == '\n' ? 1 : column + 1;
     line += c == '\n' ? 1 : 0;
   }
   return L"line " + std::to_wstring(line) + L", column " + std::to_wstring(column) + L": " +
-         base::strings::to_wide(result.description());
+         base::strings::to_wide(what);
 }
 
 }  // namespace
@@ -88,7 +89,11 @@ Result PugiXml::parse(std::string_view utf8, XmlNode*& document, std::wstring& r
   const pugi::xml_parse_result result =
       parsed->load_buffer(utf8.data(), utf8.size(), pugi::parse_default, pugi::encoding_utf8);
   if (!result) {
-    reason = place_and_reason(utf8, result);
+    reason = place_and_reason(utf8, static_cast<std::size_t>(result.offset), result.description());
+    return code::nothing;
+  }
+  if (const auto fault = find_xml_fault(utf8)) {
+    reason = place_and_reason(utf8, fault->offset, fault->what);
     return code::nothing;
   }
   document = new XmlNode{1, parsed, *parsed, {}};
