@@ -155,8 +155,10 @@ std::vector<Change> Ledger::changes() const {
   for (const auto& [id, entry] : entries) {
     const bool content = id.first == Subject::content;
     if (content && (!entry.before || changed_paths.contains(id.second))) continue;
+    const std::optional<State> after = entry.look();
+    if (content && !after) continue;
     const std::size_t known = found.size();
-    add_difference(found, entry.path, entry.before, entry.look());
+    add_difference(found, entry.path, entry.before, after);
     if (id.first == Subject::path && found.size() != known) changed_paths.insert(id.second);
   }
   std::sort(found.begin(), found.end(), [](const Change& left, const Change& right) {

@@ -105,6 +105,7 @@ TEST_F(RecorderTest, WhatIsPutBackIsNoChange) {
   EXPECT_TRUE(system->files.set_attributes(L"C:\\Suite\\two.txt", ports::file_attribute::archive));
   wchar_t name[260] = {};
   EXPECT_NE(system->files.temp_file(L"C:\\Suite", L"ky_", 0, name), 0u);
+  EXPECT_FALSE(system->files.move(L"C:\\missing", name, ports::move_flag::replace_existing));
   EXPECT_TRUE(system->files.remove(name));
   system->registry.close(create(*system, L"Software\\Suite"));
   EXPECT_EQ(recorder->changes(), Changes{});

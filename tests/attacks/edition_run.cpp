@@ -1,0 +1,96 @@
+#include "tests/attacks/edition_run.h"
+
+#include <memory>
+#include <vector>
+
+#include "host/factories.h"
+#include "host/session.h"
+#include "installer/desktop/module/library.h"
+#include "ky/keys.h"
+#include "platform/ports/build.h"
+#include "platform/record/recorder.h"
+#include "resources/edition.h"
+#include "tools/ky/rehearse/plain_log.h"
+
+namespace attacks {
+
+namespace {
+
+std::vector<std::uint8_t> bytes_of(std::string_view text) {
+  return {text.begin(), text.end()};
+}
+
+const char* told(host::RunEnd end) {
+  switch (end) {
+    case host::RunEnd::finished:
+      return "finished";
+    case host::RunEnd::stopped:
+      return "ended by a command";
+    case host::RunEnd::exception:
+      return "ended by an exception";
+    case host::RunEnd::lost:
+      return "lost";
+  }
+  return "?";
+}
+
+/// Runs the script and releases all; a command's guard that is still held is a fault.
+std::string run_session(const ports::System& system) {
+  class Nobody final : public host::RunObserver {};
+  const host::TableFactories library(ky::library::factories());
+  host::Session session(system, library);
+  if (!session.start(host::built_in_script_key()).empty()) return "refused at the start";
+  std::size_t log_bytes = 0;
+  ky::ILoggerApi* const log =
+      new rehearsal::PlainLog(system.clock, [&log_bytes](std::string_view line) { log_bytes += line.size(); });
+  session.store().put(ky::keys::SelfFree_LoggerApi.name, ky::ToStored(log));
+  if (!session.load(edition::script()).empty()) return "refused by the loader";
+  Nobody nobody;
+  std::string ending = told(session.run(nobody).end);
+  for (const host::ProgramStep& step : session.program().steps()) {
+    if (step.command->GuardHeld()) ending += " !! guard held: " + step.name;
+  }
+  session.release();
+  return ending + ", return code " + (session.return_code() == 0 ? "0" : "not 0");
+}
+
+/// A failed closing leaves its handle open; any other handle has to be closed.
+std::uint64_t closings_failed(const faults::FaultySystem& faulty) {
+  std::uint64_t failed = 0;
+  for (const faults::Contract& row : faults::contracts()) {
+    // Modules are no handles: what the machine counts open does not hold them.
+    if (row.operation == faults::Operation::modules_free) continue;
+    if (faults::gives_back(row.operation)) failed += faulty.failed(row.operation);
+  }
+  return failed;
+}
+
+std::size_t open_handles(machine::Machine& machine) {
+  std::size_t open = machine.registry().open_keys();
+  for (const auto& [kind, count] : machine.handles().open_by_kind()) open += count;
+  return open;
+}
+
+}  // namespace
+
+std::string EditionRun::once(const Plan& before, const Stopped& stopped, const Look& after) const {
+  machine::Options options;
+  options.on_stop = stopped;
+  options.max_steps = 100'000;  // no fault may keep the script going in circles
+  machine::Machine machine(machine_, options);
+  machine.add_resource(edition::document_type, edition::script_id, bytes_of(edition::script()));
+  machine.add_resource(edition::document_type, edition::configuration_id, bytes_of(edition::configuration()));
+  const std::unique_ptr<ports::Engines> engines = ports::make_engines(machine.errors());
+  const record::Recorder recorder(machine.system(*engines));
+  faults::FaultySystem faulty(recorder.system());
+  const std::size_t open_before = open_handles(machine);
+  before(faulty);
+  std::string ending = run_session(faulty.system());
+  const std::size_t open_after = open_handles(machine);
+  if (open_after != open_before + closings_failed(faulty)) {
+    ending += " !! handles left open: " + std::to_string(open_after - open_before);
+  }
+  return ending + after(faulty, recorder.changes());
+}
+
+}  // namespace attacks
