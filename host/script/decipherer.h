@@ -1,10 +1,10 @@
 #pragma once
 
-#include <array>
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <string>
+#include <memory_resource>
 #include <string_view>
 #include <unordered_map>
 
@@ -18,8 +18,8 @@ namespace host {
 struct Deciphered {
   /// Null where the text is good.
   const char* fault = nullptr;
-  /// The plain text, UTF-8.
-  std::string plain;
+  /// The plain text, UTF-8; it lies in the decipherer.
+  std::string_view plain;
 };
 
 /// Deciphers and checks the names and values of one script. Equal text is deciphered once, since a script says the same
@@ -27,7 +27,7 @@ struct Deciphered {
 class Decipherer {
  public:
   /// `key` is an imported key of `cipher`; both outlive this object.
-  Decipherer(ports::ScriptCipher& cipher, std::uintptr_t key) : cipher_(cipher), key_(key) {}
+  Decipherer(ports::ScriptCipher& cipher, std::uintptr_t key) : cipher_(cipher), key_(key) { known_.reserve(1024); }
   Decipherer(const Decipherer&) = delete;
   Decipherer& operator=(const Decipherer&) = delete;
 
@@ -37,17 +37,22 @@ class Decipherer {
  private:
   /// What a Decrypter's buffers hold, the terminator included.
   static constexpr std::size_t capacity = 512;
+  static constexpr std::size_t first_memory = 64 * 1024;
 
+  /// The last block depends on all that stands before it, so a look at the text's end will do.
   struct Hash {
-    using is_transparent = void;
-    std::size_t operator()(std::wstring_view text) const { return std::hash<std::wstring_view>{}(text); }
+    std::size_t operator()(std::wstring_view text) const {
+      return std::hash<std::wstring_view>{}(text.substr(text.size() - std::min<std::size_t>(text.size(), 16)));
+    }
   };
 
   [[nodiscard]] Deciphered decipher_anew(std::wstring_view ciphered);
 
   ports::ScriptCipher& cipher_;
   std::uintptr_t key_;
-  std::unordered_map<std::wstring, Deciphered, Hash, std::equal_to<>> known_;
+  // Texts and their entries are many and small, and all go together.
+  std::pmr::monotonic_buffer_resource memory_{first_memory};
+  std::pmr::unordered_map<std::wstring_view, Deciphered, Hash> known_{&memory_};
 };
 
 }  // namespace host

@@ -2,6 +2,8 @@
 
 #include <cstdint>
 #include <exception>
+#include <span>
+#include <string>
 #include <utility>
 
 #include "host/script/command_rules.h"
@@ -118,7 +120,7 @@ const ScriptLoader::Kind& ScriptLoader::kind_of(const std::wstring& ciphered_nam
   Kind kind;
   const Deciphered& deciphered = decipherer_.decipher(ciphered_name);
   kind.fault = deciphered.fault;
-  kind.name = kind.fault == nullptr ? deciphered.plain : to_utf8(ciphered_name);
+  kind.name = kind.fault == nullptr ? std::string(deciphered.plain) : to_utf8(ciphered_name);
   if (kind.fault == nullptr) {
     for (const Factories* const source : sources_) {
       if (kind.make == nullptr) kind.make = source->find(kind.name);
@@ -130,21 +132,23 @@ const ScriptLoader::Kind& ScriptLoader::kind_of(const std::wstring& ciphered_nam
 }
 
 bool ScriptLoader::check_attributes(const Kind& kind, ky::AttributeMap* map, FlowPoint& point) {
-  attribute_names_.clear();
   bool good = true;
   std::int32_t length = 0;
   ports::Result result = system_.xml.length(map, length);
+  const auto count = static_cast<std::size_t>(result == ports::code::ok ? length : 0);
+  if (attribute_names_.size() < count) attribute_names_.resize(count);
   for (std::int32_t i = 0; result == ports::code::ok && i < length; ++i) {
     NodeOwner attribute(system_.xml);
     result = system_.xml.item(map, i, attribute.receive());
-    if (result == ports::code::ok) good &= check_attribute(kind, attribute.get(), point);
+    if (result != ports::code::ok) break;
+    good &= check_attribute(kind, attribute.get(), attribute_names_[static_cast<std::size_t>(i)], point);
   }
   if (result != ports::code::ok) {
     fault(kind.name, {}, "has attributes that cannot be read: " + code_text(result));
     return false;
   }
   if (kind.rule != nullptr) {
-    std::string missing = missing_attribute(*kind.rule, attribute_names_);
+    std::string missing = missing_attribute(*kind.rule, std::span(attribute_names_).first(count));
     if (!missing.empty()) {
       fault(kind.name, {}, std::move(missing));
       good = false;
@@ -153,9 +157,7 @@ bool ScriptLoader::check_attributes(const Kind& kind, ky::AttributeMap* map, Flo
   return good;
 }
 
-bool ScriptLoader::check_attribute(const Kind& kind, ports::XmlNode* attribute, FlowPoint& point) {
-  attribute_names_.emplace_back();
-  std::wstring& name = attribute_names_.back();
+bool ScriptLoader::check_attribute(const Kind& kind, ports::XmlNode* attribute, std::wstring& name, FlowPoint& point) {
   if (system_.xml.name(attribute, name) != ports::code::ok || system_.xml.text(attribute, text_) != ports::code::ok) {
     fault(kind.name, to_utf8(name), "cannot be read");
     return false;

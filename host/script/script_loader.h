@@ -55,7 +55,7 @@ class ScriptLoader {
   void load_element(ports::XmlNode* element);
   [[nodiscard]] const Kind& kind_of(const std::wstring& ciphered_name);
   [[nodiscard]] bool check_attributes(const Kind& kind, ky::AttributeMap* map, FlowPoint& point);
-  [[nodiscard]] bool check_attribute(const Kind& kind, ports::XmlNode* attribute, FlowPoint& point);
+  [[nodiscard]] bool check_attribute(const Kind& kind, ports::XmlNode* attribute, std::wstring& name, FlowPoint& point);
   [[nodiscard]] CommandOwner load_command(const Kind& kind, MapOwner& map);
   void fault(const std::string& name, std::string attribute, std::string reason);
   void check_all_ways();
@@ -72,7 +72,7 @@ class ScriptLoader {
   std::vector<ProgramStep> loaded_;
   std::vector<FlowPoint> points_;
   // Kept from element to element for their memory.
-  std::vector<std::wstring> attribute_names_;
+  std::vector<std::wstring> attribute_names_;  // those of the element at hand, and older ones behind them
   std::wstring name_;
   std::wstring text_;
 };

@@ -113,13 +113,13 @@ Result PugiXml::next_element(XmlNode* element, XmlNode*& next) {
 }
 
 Result PugiXml::name(XmlNode* node, std::wstring& out) {
-  out = base::strings::to_wide(node->attribute ? node->attribute.name() : node->node.name());
+  base::strings::to_wide(node->attribute ? node->attribute.name() : node->node.name(), out);
   return code::ok;
 }
 
 Result PugiXml::text(XmlNode* node, std::wstring& out) {
   if (node->attribute) {
-    out = base::strings::to_wide(node->attribute.value());
+    base::strings::to_wide(node->attribute.value(), out);
     return code::ok;
   }
   std::string text;

@@ -4,6 +4,7 @@
 #include <openssl/rsa.h>
 #include <openssl/x509.h>
 
+#include <algorithm>
 #include <array>
 
 #include "platform/ports/codes.h"
@@ -14,6 +15,7 @@ namespace {
 
 constexpr std::array<std::uint8_t, ports::ScriptCipher::block_size> zero_iv{};
 constexpr std::uint8_t no_digit = 0xFF;
+constexpr std::uint32_t wrong_digit = 0x80;  // the bit of `no_digit` that no digit's value has
 
 constexpr std::array<std::uint8_t, 128> base64_values = [] {
   std::array<std::uint8_t, 128> values{};
@@ -23,18 +25,14 @@ constexpr std::array<std::uint8_t, 128> base64_values = [] {
   return values;
 }();
 
-std::uint8_t digit_value(wchar_t c) {
-  const auto unit = static_cast<std::uint32_t>(c);
-  return unit < base64_values.size() ? base64_values[unit] : no_digit;
-}
-
 }  // namespace
 
 std::uintptr_t OpensslCipher::import_key(std::span<const std::uint8_t, key_size> bytes) {
   auto key = std::make_unique<Key>();
   key->decrypting.reset(EVP_CIPHER_CTX_new());
   key->encrypting.reset(EVP_CIPHER_CTX_new());
-  if (EVP_DecryptInit_ex(key->decrypting.get(), EVP_aes_256_cbc(), nullptr, bytes.data(), zero_iv.data()) != 1 ||
+  if (EVP_DecryptInit_ex(key->decrypting.get(), EVP_aes_256_ecb(), nullptr, bytes.data(), nullptr) != 1 ||
+      EVP_CIPHER_CTX_set_padding(key->decrypting.get(), 0) != 1 ||
       EVP_EncryptInit_ex(key->encrypting.get(), EVP_aes_256_cbc(), nullptr, bytes.data(), zero_iv.data()) != 1) {
     errors_.set_last(ports::code::not_enough_memory);
     return 0;
@@ -44,25 +42,40 @@ std::uintptr_t OpensslCipher::import_key(std::span<const std::uint8_t, key_size>
   return handle;
 }
 
-void OpensslCipher::destroy_key(std::uintptr_t key) { keys_.erase(key); }
+void OpensslCipher::destroy_key(std::uintptr_t key) {
+  keys_.erase(key);
+}
 
 bool OpensslCipher::decode_base64(const wchar_t* text, std::uint32_t length, std::span<std::uint8_t> into,
                                   std::uint32_t& size) {
   while (length > 0 && text[length - 1] == L'=') --length;
   if (length % 4 == 1) return fail(ports::code::invalid_data);
   const std::uint32_t needed = length / 4 * 3 + (length % 4 == 0 ? 0 : length % 4 - 1);
-  std::uint32_t bits = 0;
-  std::uint32_t written = 0;
-  for (std::uint32_t i = 0; i < length; ++i) {
-    const std::uint8_t value = digit_value(text[i]);
-    if (value == no_digit) return fail(ports::code::invalid_data);
-    bits = (bits << 6) | value;
-    const std::uint32_t held = (i + 1) * 6 - written * 8;
-    if (held < 8) continue;
-    if (needed > into.size()) return fail(ports::code::more_data);
-    into[written++] = static_cast<std::uint8_t>(bits >> (held - 8));
+  if (needed > into.size()) return fail(ports::code::more_data);
+  std::uint32_t seen = 0;
+  std::uint32_t beyond = 0;
+  const auto value_of = [&seen, &beyond](wchar_t c) {
+    const auto unit = static_cast<std::uint32_t>(c);
+    beyond |= unit;
+    const std::uint32_t value = base64_values[unit % base64_values.size()];
+    seen |= value;
+    return value;
+  };
+  std::uint32_t at = 0;
+  std::uint8_t* to = into.data();
+  for (; at + 4 <= length; at += 4) {
+    const std::uint32_t bits =
+        value_of(text[at]) << 18 | value_of(text[at + 1]) << 12 | value_of(text[at + 2]) << 6 | value_of(text[at + 3]);
+    *to++ = static_cast<std::uint8_t>(bits >> 16);
+    *to++ = static_cast<std::uint8_t>(bits >> 8);
+    *to++ = static_cast<std::uint8_t>(bits);
   }
-  size = written;
+  std::uint32_t rest = 0;
+  for (std::uint32_t shift = 18; at < length; ++at, shift -= 6) rest |= value_of(text[at]) << shift;
+  if (length % 4 >= 2) *to++ = static_cast<std::uint8_t>(rest >> 16);
+  if (length % 4 == 3) *to++ = static_cast<std::uint8_t>(rest >> 8);
+  if ((seen & wrong_digit) != 0 || beyond >= base64_values.size()) return fail(ports::code::invalid_data);
+  size = needed;
   return true;
 }
 
@@ -70,16 +83,35 @@ bool OpensslCipher::decrypt(std::uintptr_t key, std::uint8_t* bytes, std::uint32
   const auto found = keys_.find(key);
   if (found == keys_.end()) return fail(ports::code::bad_cipher_key);
   if (size == 0 || size % block_size != 0) return fail(ports::code::bad_cipher_data);
+  // The blocks are chained here. A context that chains has to be set up anew for each value, which takes longer than
+  // the few blocks that a value has.
   EVP_CIPHER_CTX* const context = found->second->decrypting.get();
-  EVP_CIPHER_CTX_set_padding(context, 1);
-  int written = 0;
-  int rest = 0;
-  if (EVP_DecryptInit_ex(context, nullptr, nullptr, nullptr, zero_iv.data()) != 1 ||
-      EVP_DecryptUpdate(context, bytes, &written, bytes, static_cast<int>(size)) != 1 ||
-      EVP_DecryptFinal_ex(context, bytes + written, &rest) != 1) {
-    return fail(ports::code::bad_cipher_data);
+  std::array<std::uint8_t, block_size> before = zero_iv;
+  std::array<std::uint8_t, 32 * block_size> plain;
+  for (std::uint32_t at = 0; at < size; at += static_cast<std::uint32_t>(plain.size())) {
+    std::uint8_t* const cipher = bytes + at;
+    const std::uint32_t length = std::min(size - at, static_cast<std::uint32_t>(plain.size()));
+    int written = 0;
+    if (EVP_DecryptUpdate(context, plain.data(), &written, cipher, static_cast<int>(length)) != 1) {
+      return fail(ports::code::bad_cipher_data);
+    }
+    const auto chain = [&plain](std::uint32_t block, const std::uint8_t* with) {
+      for (std::uint32_t i = 0; i < block_size; ++i) {
+        plain[block + i] = static_cast<std::uint8_t>(plain[block + i] ^ with[i]);
+      }
+    };
+    chain(0, before.data());
+    for (std::uint32_t block = block_size; block < length; block += block_size)
+      chain(block, cipher + block - block_size);
+    std::copy_n(cipher + length - block_size, block_size, before.data());
+    std::copy_n(plain.data(), length, cipher);
   }
-  size = static_cast<std::uint32_t>(written + rest);
+  const std::uint32_t padding = bytes[size - 1];
+  if (padding == 0 || padding > block_size) return fail(ports::code::bad_cipher_data);
+  for (std::uint32_t i = 1; i <= padding; ++i) {
+    if (bytes[size - i] != padding) return fail(ports::code::bad_cipher_data);
+  }
+  size -= padding;
   return true;
 }
 
@@ -111,7 +143,7 @@ bool OpensslKeyMaker::rsa_pair(std::uint32_t bits, ports::RsaPair& out) {
   const std::unique_ptr<EVP_PKEY, decltype(&EVP_PKEY_free)> pair(EVP_RSA_gen(bits), &EVP_PKEY_free);
   if (!pair) return false;
   const std::unique_ptr<PKCS8_PRIV_KEY_INFO, decltype(&PKCS8_PRIV_KEY_INFO_free)> info(EVP_PKEY2PKCS8(pair.get()),
-                                                                                      &PKCS8_PRIV_KEY_INFO_free);
+                                                                                       &PKCS8_PRIV_KEY_INFO_free);
   if (!info) return false;
   const auto encoded = [](auto* object, auto encode) {
     std::vector<std::uint8_t> der(static_cast<std::size_t>(std::max(0, encode(object, nullptr))));

@@ -13,6 +13,29 @@ namespace {
 
 constexpr std::string_view space = " \t\r\n";
 
+/// A set of characters to stop at, with one look for each character passed: the whole text goes by here.
+class Stops {
+ public:
+  constexpr explicit Stops(std::string_view characters) {
+    for (const char c : characters) stops_[static_cast<unsigned char>(c)] = true;
+  }
+  /// The place of the first of them from `at` on; the text's end where there is none.
+  [[nodiscard]] std::size_t next(std::string_view text, std::size_t at) const {
+    while (at < text.size() && !stops_[static_cast<unsigned char>(text[at])]) ++at;
+    return at;
+  }
+
+ private:
+  std::array<bool, 256> stops_{};
+};
+
+constexpr Stops markup_or_reference("<&");
+constexpr Stops after_element_name(" \t\r\n/>");
+constexpr Stops after_attribute_name(" \t\r\n=");
+constexpr Stops quotes("\"'");
+constexpr Stops in_double_quotes("\"<&");
+constexpr Stops in_single_quotes("'<&");
+
 /// Goes over the text once. pugixml took it, so that every construct is known to end.
 class Scanner {
  public:
@@ -44,7 +67,7 @@ class Scanner {
   void content() {
     while (!fault_) {
       const std::size_t begin = at_;
-      at_ = std::min(text_.find_first_of("<&", at_), text_.size());
+      at_ = markup_or_reference.next(text_, at_);
       if (depth_ == 0) {
         const std::size_t other = text_.find_first_not_of(space, begin);
         if (other < at_ || at("&")) return fail(std::min(other, at_), "text outside of the root element");
@@ -92,7 +115,7 @@ class Scanner {
   void start_tag() {
     if (depth_ == 0 && roots_++ != 0) return fail(at_, "a second root element");
     names_.clear();
-    at_ = std::min(text_.find_first_of(" \t\r\n/>", at_), text_.size());
+    at_ = after_element_name.next(text_, at_);
     while (!fault_ && at_ < text_.size()) {
       at_ = std::min(text_.find_first_not_of(space, at_), text_.size());
       if (at(">") || at("/")) break;
@@ -104,15 +127,15 @@ class Scanner {
 
   void attribute() {
     const std::size_t begin = at_;
-    at_ = std::min(text_.find_first_of(" \t\r\n=", at_), text_.size());
+    at_ = after_attribute_name.next(text_, at_);
     const std::string_view name = text_.substr(begin, at_ - begin);
     if (std::find(names_.begin(), names_.end(), name) != names_.end())
       return fail(begin, "an attribute is given twice");
     names_.push_back(name);
-    at_ = std::min(text_.find_first_of("\"'", at_), text_.size() - 1);
-    const char stops[] = {text_[at_++], '<', '&'};
+    at_ = std::min(quotes.next(text_, at_), text_.size() - 1);
+    const Stops& stops = text_[at_++] == '"' ? in_double_quotes : in_single_quotes;
     while (!fault_) {
-      at_ = std::min(text_.find_first_of({stops, sizeof stops}, at_), text_.size());
+      at_ = stops.next(text_, at_);
       if (at("<")) return fail(at_, "\"<\" in a value");
       if (!at("&")) break;
       reference();

@@ -99,25 +99,22 @@ std::wstring to_wide(std::string_view utf8) {
 }
 
 void to_wide(std::string_view utf8, std::wstring& out) {
-  out.clear();
-  out.reserve(utf8.size());
+  out.resize(utf8.size());  // there are at most as many units as bytes
+  wchar_t* to = out.data();
   for (std::size_t at = 0; at < utf8.size();) {
-    const std::size_t end = ascii_end(utf8, at);
-    const std::size_t so_far = out.size();
-    out.resize(so_far + end - at);
-    std::copy(utf8.begin() + static_cast<std::ptrdiff_t>(at), utf8.begin() + static_cast<std::ptrdiff_t>(end),
-              out.begin() + static_cast<std::ptrdiff_t>(so_far));
-    if (end == utf8.size()) break;
-    const Decoded next = decode(utf8, end);
-    at = end + next.length;
+    for (const std::size_t end = ascii_end(utf8, at); at < end; ++at) *to++ = static_cast<wchar_t>(utf8[at]);
+    if (at == utf8.size()) break;
+    const Decoded next = decode(utf8, at);
+    at += next.length;
     if (next.character < 0x10000) {
-      out.push_back(static_cast<wchar_t>(next.character));
+      *to++ = static_cast<wchar_t>(next.character);
     } else {
       const char32_t offset = next.character - 0x10000;
-      out.push_back(static_cast<wchar_t>(0xD800 + (offset >> 10)));
-      out.push_back(static_cast<wchar_t>(0xDC00 + (offset & 0x3FF)));
+      *to++ = static_cast<wchar_t>(0xD800 + (offset >> 10));
+      *to++ = static_cast<wchar_t>(0xDC00 + (offset & 0x3FF));
     }
   }
+  out.resize(static_cast<std::size_t>(to - out.data()));
 }
 
 std::string to_utf8(std::wstring_view wide) {
@@ -135,7 +132,9 @@ std::string to_utf8(std::wstring_view wide) {
   return out;
 }
 
-bool is_utf8(std::string_view bytes) { return !first_ill_formed(bytes); }
+bool is_utf8(std::string_view bytes) {
+  return !first_ill_formed(bytes);
+}
 
 std::optional<std::size_t> first_ill_formed(std::string_view bytes) {
   for (std::size_t at = 0; (at = ascii_end(bytes, at)) < bytes.size();) {
