@@ -76,22 +76,23 @@ ErrorCode FolderRemoval::hold(const std::wstring& folder, std::vector<OpenHandle
 }
 
 ErrorCode FolderRemoval::remove_top(const std::wstring& path, ports::Handle parent) {
-  OpenHandle top = open(path, deleting);
-  if (!top.good()) {
-    const ErrorCode code = system_.errors.last();
-    if (is_absent(code)) return ports::code::success;
-    stays(path, true, code);
-    return first_failure_;
+  {
+    const OpenHandle top = open(path, holding);
+    if (!top.good()) {
+      const ErrorCode code = system_.errors.last();
+      if (!is_absent(code)) stays(path, true, code);
+      return first_failure_;
+    }
+    std::uint32_t attributes = 0;
+    const ErrorCode failure = inspect(top, parent, attributes);
+    if (failure != ports::code::success) return failure;
+    if (!is_folder(attributes)) return ports::code::directory_name_invalid;
+    if (!is_link(attributes)) {
+      if (is_protected(top)) return ports::code::invalid_parameter;
+      if (options_.recursive) remove_children(path, top.get());
+    }
   }
-  std::uint32_t attributes = 0;
-  const ErrorCode failure = inspect(top, parent, attributes);
-  if (failure != ports::code::success) return failure;
-  if (!is_folder(attributes)) return ports::code::directory_name_invalid;
-  if (!is_link(attributes)) {
-    if (is_protected(top)) return ports::code::invalid_parameter;
-    if (options_.recursive) remove_children(path, top.get());
-  }
-  remove_open(std::move(top), path, attributes);
+  remove_itself(path, true, parent);
   return first_failure_;
 }
 
@@ -100,51 +101,56 @@ void FolderRemoval::remove_children(const std::wstring& folder, ports::Handle ha
   const ports::Handle search = system_.files.find_first((folder + L"\\*").c_str(), row);
   if (search == ports::Handle::invalid) {
     const ErrorCode code = system_.errors.last();
-    if (!is_absent(code)) stays(folder, true, code);
+    if (!is_absent(code)) note_failure(folder, code);
     return;
   }
-  std::vector<std::wstring> names;
+  std::vector<ports::FolderRow> rows;
   do {
-    if (row.name != L"." && row.name != L"..") names.push_back(row.name);
+    if (row.name != L"." && row.name != L"..") rows.push_back(row);
   } while (system_.files.find_next(search, row));
   (void)system_.files.find_close(search);
-  for (const std::wstring& name : names) remove_child(folder + L'\\' + name, handle);
+  for (const ports::FolderRow& child : rows) remove_child(folder + L'\\' + child.name, child.attributes, handle);
 }
 
-void FolderRemoval::remove_child(const std::wstring& path, ports::Handle parent) {
-  OpenHandle child = open(path, deleting);
-  if (!child.good()) {
-    const ErrorCode code = system_.errors.last();
-    // Whether it is a folder only matters for moving, and a folder that cannot be opened cannot be moved either.
-    if (!is_absent(code)) stays(path, is_folder(system_.files.attributes(path.c_str())), code);
-    return;
+void FolderRemoval::remove_child(const std::wstring& path, std::uint32_t listed, ports::Handle parent) {
+  // The row is a hint: what is opened is looked at again.
+  if (is_folder(listed) && !is_link(listed)) {
+    const OpenHandle folder = open(path, holding);
+    std::uint32_t attributes = 0;
+    const bool straight = folder.good() && inspect(folder, parent, attributes) == ports::code::success;
+    if (straight && is_folder(attributes) && !is_link(attributes)) remove_children(path, folder.get());
   }
-  std::uint32_t attributes = 0;
-  const ErrorCode failure = inspect(child, parent, attributes);
-  if (failure != ports::code::success) {
-    if (first_failure_ == ports::code::success) first_failure_ = failure;
-    return;
-  }
-  if (is_folder(attributes) && !is_link(attributes)) remove_children(path, child.get());
-  remove_open(std::move(child), path, attributes);
+  remove_itself(path, is_folder(listed), parent);
 }
 
-void FolderRemoval::remove_open(OpenHandle file, const std::wstring& path, std::uint32_t attributes) {
+/// Opens the thing anew: a folder that is open for erasing cannot be listed on every system. What stands there by now
+/// is opened as itself, under a parent that is held, so at worst an empty folder or a link goes that came in its place.
+void FolderRemoval::remove_itself(const std::wstring& path, bool folder, ports::Handle parent) {
   ErrorCode code = ports::code::success;
   {
-    const OpenHandle open = std::move(file);
-    if ((attributes & attribute::read_only) != 0) {
-      (void)system_.files.set_attributes_of(open.get(), attribute::normal);  // the deletion tells whether it worked
+    const OpenHandle thing = open(path, deleting);
+    std::uint32_t attributes = 0;
+    code = thing.good() ? inspect(thing, parent, attributes) : system_.errors.last();
+    if (is_absent(code)) return;
+    if (code == ports::code::stopped_on_symlink) return note_failure(path, code);
+    if (code == ports::code::success) {
+      if ((attributes & attribute::read_only) != 0) {
+        (void)system_.files.set_attributes_of(thing.get(), attribute::normal);  // the deletion tells whether it worked
+      }
+      if (!system_.files.mark_deleted(thing.get())) code = system_.errors.last();
     }
-    if (!system_.files.mark_deleted(open.get())) code = system_.errors.last();
   }
-  if (code != ports::code::success) stays(path, is_folder(attributes), code);
+  if (code != ports::code::success) stays(path, folder, code);
 }
 
 void FolderRemoval::stays(const std::wstring& path, bool folder, ErrorCode code) {
   // A full folder that is not to be emptied is not booked either: the system would pass it over.
   const bool left_full = code == ports::code::directory_not_empty && !options_.recursive;
   if (!left_full && put_aside(path, folder)) return;
+  note_failure(path, code);
+}
+
+void FolderRemoval::note_failure(const std::wstring& path, ErrorCode code) {
   ky::Trace(L"[DeleteFolder] '%s' stays. Error %u\n", shown(path), code);
   if (first_failure_ == ports::code::success) first_failure_ = code;
 }
