@@ -97,19 +97,18 @@ ErrorCode FolderRemoval::remove_top(const std::wstring& path, ports::Handle pare
 }
 
 void FolderRemoval::remove_children(const std::wstring& folder, ports::Handle handle) {
-  ports::FolderRow row;
-  const ports::Handle search = system_.files.find_first((folder + L"\\*").c_str(), row);
-  if (search == ports::Handle::invalid) {
-    const ErrorCode code = system_.errors.last();
-    if (!is_absent(code)) note_failure(folder, code);
-    return;
-  }
+  // The whole list first: rows that go would shift those that are still to come.
+  std::vector<ports::FolderRow> all;
   std::vector<ports::FolderRow> rows;
-  do {
-    if (row.name != L"." && row.name != L"..") rows.push_back(row);
-  } while (system_.files.find_next(search, row));
-  (void)system_.files.find_close(search);
-  for (const ports::FolderRow& child : rows) remove_child(folder + L'\\' + child.name, child.attributes, handle);
+  bool listed = system_.files.list(handle, true, rows);
+  while (listed) {
+    all.insert(all.end(), rows.begin(), rows.end());
+    listed = system_.files.list(handle, false, rows);
+  }
+  if (const ErrorCode code = system_.errors.last(); code != ports::code::no_more_files) note_failure(folder, code);
+  for (const ports::FolderRow& child : all) {
+    if (child.name != L"." && child.name != L"..") remove_child(folder + L'\\' + child.name, child.attributes, handle);
+  }
 }
 
 void FolderRemoval::remove_child(const std::wstring& path, std::uint32_t listed, ports::Handle parent) {

@@ -71,6 +71,9 @@ class FaultyFiles final : public Faulty<ports::Files> {
   ports::Handle find_first(const wchar_t* pattern, ports::FolderRow& row) override {
     return ask(Operation::files_find_first, ports::Handle::invalid, [&] { return inner_.find_first(pattern, row); });
   }
+  bool list(ports::Handle folder, bool restart, std::vector<ports::FolderRow>& rows) override {
+    return ask(Operation::files_list, false, [&] { return inner_.list(folder, restart, rows); });
+  }
   bool find_next(ports::Handle search, ports::FolderRow& row) override {
     return ask(Operation::files_find_next, false, [&] { return inner_.find_next(search, row); });
   }

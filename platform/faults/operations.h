@@ -34,6 +34,7 @@
             path_not_found, invalid_name, invalid_parameter) \
   OPERATION(files_temp_folder, "files.temp_folder", path_not_found, not_enough_memory) \
   OPERATION(files_temp_file, "files.temp_file", access_denied, directory_name_invalid) \
+  OPERATION(files_list, "files.list", access_denied, no_more_files, invalid_handle, invalid_parameter) \
   OPERATION(files_find_first, "files.find_first", access_denied, file_not_found, path_not_found, invalid_name) \
   OPERATION(files_find_next, "files.find_next", no_more_files, invalid_handle) \
   OPERATION(files_find_close, "files.find_close", invalid_handle) \

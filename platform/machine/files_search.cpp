@@ -7,6 +7,7 @@
 #include "platform/machine/file_lookup.h"
 #include "platform/machine/files.h"
 #include "platform/machine/handles.h"
+#include "platform/machine/open_file.h"
 #include "platform/machine/wildcard.h"
 #include "platform/ports/codes.h"
 #include "platform/ports/system.h"
@@ -129,6 +130,20 @@ Handle Files::find_first(const wchar_t* pattern, ports::FolderRow& row) {
     search->rows.pop_front();
   }
   return handles_.open(search);
+}
+
+bool Files::list(Handle handle, bool restart, std::vector<ports::FolderRow>& rows) {
+  const auto folder = handles_.find_as<OpenFile>(handle);
+  if (folder == nullptr) return fail(code::invalid_handle);
+  if ((folder->access & ports::file_access::list_directory) == 0) return fail(code::access_denied);
+  const ports::Lock lock(world_.mutex);
+  const FileTree& tree = world_.state.files;
+  if (!tree.nodes.at(folder->node).folder) return fail(code::invalid_parameter);
+  if (folder->listed && !restart) return fail(code::no_more_files);
+  const std::deque<ports::FolderRow> all = rows_of(tree, folder->node, L"*");
+  rows.assign(all.begin(), all.end());
+  folder->listed = true;
+  return true;
 }
 
 bool Files::find_next(Handle handle, ports::FolderRow& row) {

@@ -20,7 +20,8 @@ class OpenFile final : public Object {
   const FilePlace place;       // by which name it was opened
   const std::uint32_t access;  // mapped rights
   const std::uint64_t owner;
-  std::uint64_t position = 0;  // under the world's lock
+  std::uint64_t position = 0;  // under the world's lock, like the next
+  bool listed = false;         // a folder whose rows were all given
 };
 
 }  // namespace machine

@@ -31,6 +31,7 @@ void Ledger::touch(Subject subject, const std::wstring& path, Look look) {
 }
 
 void Ledger::touch_known(Subject subject, const std::wstring& path, std::optional<State> before, Look look) {
+  const KeptError kept(inner_.errors);
   if (paused()) return;
   const ports::Lock lock(mutex_);
   entries_.try_emplace({subject, folded(path)}, Entry{path, std::move(before), std::move(look)});
@@ -54,6 +55,7 @@ void Ledger::watch_value(const KeyPlace& place, const std::wstring& name) {
 }
 
 void Ledger::add_action(std::string kind, std::wstring text) {
+  const KeptError kept(inner_.errors);
   if (paused()) return;
   const ports::Lock lock(mutex_);
   actions_.push_back({std::move(kind), std::move(text)});
@@ -61,6 +63,7 @@ void Ledger::add_action(std::string kind, std::wstring text) {
 
 void Ledger::add_deletion(Subject subject, const std::string& kind, const std::wstring& path, ports::ErrorCode code,
                           Look look) {
+  const KeptError kept(inner_.errors);
   if (paused()) return;
   const ports::Lock lock(mutex_);
   const auto [found, added] = attempt_of_.try_emplace({subject, folded(path)}, attempts_.size());
@@ -78,6 +81,7 @@ void Ledger::add_path_deletion(const std::string& kind, const std::wstring& path
 }
 
 void Ledger::book(const std::wstring& path, std::wstring text) {
+  const KeptError kept(inner_.errors);
   if (paused()) return;
   const ports::Lock lock(mutex_);
   // There is no telling what was booked before, and a booking stays: the look has nothing to ask.
@@ -88,6 +92,7 @@ void Ledger::book(const std::wstring& path, std::wstring text) {
 }
 
 void Ledger::name(ports::Handle handle, std::wstring text) {
+  const KeptError kept(inner_.errors);
   const ports::Lock lock(mutex_);
   names_.insert_or_assign(handle, std::move(text));
 }
@@ -100,11 +105,13 @@ std::optional<std::wstring> Ledger::named(ports::Handle handle) const {
 }
 
 void Ledger::forget(ports::Handle handle) {
+  const KeptError kept(inner_.errors);
   const ports::Lock lock(mutex_);
   names_.erase(handle);
 }
 
 void Ledger::place(ports::RegistryKey key, KeyPlace place) {
+  const KeptError kept(inner_.errors);
   const ports::Lock lock(mutex_);
   places_.insert_or_assign(key, std::move(place));
 }
@@ -122,6 +129,7 @@ std::optional<KeyPlace> Ledger::placed(ports::RegistryKey key) const {
 }
 
 void Ledger::forget(ports::RegistryKey key) {
+  const KeptError kept(inner_.errors);
   const ports::Lock lock(mutex_);
   places_.erase(key);
 }

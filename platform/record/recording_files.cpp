@@ -27,6 +27,7 @@ std::string RecordingFiles::kind_of(const std::wstring& path, const char* otherw
 }
 
 bool RecordingFiles::note_deletion(const std::string& kind, const std::wstring& path, bool done) {
+  const KeptError kept(errors_);
   ledger_.add_path_deletion(kind, path, done ? ports::code::success : errors_.last());
   return done;
 }

@@ -40,6 +40,9 @@ class RecordingFiles final : public ports::Files {
   ports::Handle find_first(const wchar_t* pattern, ports::FolderRow& row) override {
     return inner_.find_first(pattern, row);
   }
+  bool list(ports::Handle folder, bool restart, std::vector<ports::FolderRow>& rows) override {
+    return inner_.list(folder, restart, rows);
+  }
   bool find_next(ports::Handle search, ports::FolderRow& row) override { return inner_.find_next(search, row); }
   bool find_close(ports::Handle search) override { return inner_.find_close(search); }
 

@@ -5,6 +5,7 @@
 #include <shlwapi.h>
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 
 #include "platform/win32/handles.h"
@@ -19,6 +20,17 @@ std::uint64_t joined(DWORD high, DWORD low) {
 
 ports::FolderRow row_of(const WIN32_FIND_DATAW& found) {
   return {found.cFileName, found.dwFileAttributes, joined(found.nFileSizeHigh, found.nFileSizeLow)};
+}
+
+/// The rows that one call put into `block`.
+void take_rows(const std::uint8_t* block, std::vector<ports::FolderRow>& rows) {
+  for (;;) {
+    const auto& found = *reinterpret_cast<const FILE_ID_BOTH_DIR_INFO*>(block);
+    rows.push_back({std::wstring(found.FileName, found.FileNameLength / sizeof(wchar_t)), found.FileAttributes,
+                    static_cast<std::uint64_t>(found.EndOfFile.QuadPart)});
+    if (found.NextEntryOffset == 0) return;
+    block += found.NextEntryOffset;
+  }
 }
 
 }  // namespace
@@ -118,6 +130,17 @@ ports::Handle Files::find_first(const wchar_t* pattern, ports::FolderRow& row) {
   const HANDLE search = FindFirstFileW(pattern, &found);
   if (search != INVALID_HANDLE_VALUE) row = row_of(found);
   return ported(search);
+}
+
+bool Files::list(ports::Handle folder, bool restart, std::vector<ports::FolderRow>& rows) {
+  alignas(FILE_ID_BOTH_DIR_INFO) std::array<std::uint8_t, 32768> block;
+  rows.clear();
+  if (!GetFileInformationByHandleEx(native(folder), restart ? FileIdBothDirectoryRestartInfo : FileIdBothDirectoryInfo,
+                                    block.data(), static_cast<DWORD>(block.size()))) {
+    return false;
+  }
+  take_rows(block.data(), rows);
+  return true;
 }
 
 bool Files::find_next(ports::Handle search, ports::FolderRow& row) {

@@ -27,6 +27,7 @@ class Files final : public ports::Files {
   std::uint32_t temp_file(const wchar_t* folder, const wchar_t* prefix, std::uint32_t unique,
                           std::span<wchar_t, 260> into) override;
   ports::Handle find_first(const wchar_t* pattern, ports::FolderRow& row) override;
+  bool list(ports::Handle folder, bool restart, std::vector<ports::FolderRow>& rows) override;
   bool find_next(ports::Handle search, ports::FolderRow& row) override;
   bool find_close(ports::Handle search) override;
 };

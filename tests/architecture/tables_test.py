@@ -22,7 +22,7 @@ def documented():
 def exported(library):
     out = subprocess.run(["x86_64-w64-mingw32-objdump", "-p", library], check=True, capture_output=True, text=True).stdout
     table = out[out.index("[Ordinal/Name Pointer] Table"):]
-    return set(re.findall(r"\[\s*\d+\]\s+(?:\+base\[\s*\d+\]\s+\w+\s+)?(\w+)\s*$", table, re.M))
+    return set(re.findall(r"^\s*\[\s*\d+\].*?(\w+)\s*$", table[: table.find("\n\n")], re.M))
 
 
 def main():

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <functional>
 #include <map>
+#include <set>
 
 #include "tests/contract/world.h"
 
@@ -69,6 +70,25 @@ class Files : public Contract {
  private:
   std::wstring folder_ = world().folder();
 };
+
+TEST_P(Files, AFolderIsListedThroughItsHandleWhileItIsHeld) {
+  make_folder(L"held");
+  make_folder(L"held\\inner");
+  const Handle folder =
+      files().open(path(L"held").c_str(), access::list_directory | access::read_attributes | access::erase,
+                   share::read | share::write, ports::Disposition::open_existing, ports::open_flag::backup_semantics);
+  ASSERT_NE(folder, Handle::invalid) << last_error();
+  std::set<std::wstring> names;
+  std::vector<ports::FolderRow> rows;
+  for (bool more = files().list(folder, true, rows); more; more = files().list(folder, false, rows)) {
+    for (const ports::FolderRow& row : rows) names.insert(row.name);
+  }
+  EXPECT_EQ(last_error(), code::no_more_files);
+  EXPECT_EQ(names, (std::set<std::wstring>{L".", L"..", L"inner"}));
+  EXPECT_FALSE(files().mark_deleted(folder));
+  EXPECT_EQ(last_error(), code::directory_not_empty);
+  EXPECT_TRUE(system().waits.close(folder));
+}
 
 TEST_P(Files, AMissingFileIsToldApartFromAMissingFolder) {
   const std::map<std::string, std::function<bool(const wchar_t*)>> operations = {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,8 @@ struct Sample {
   std::string script;  // empty: the edition's
   int exit_code;       // of the rehearsal
 };
+
+inline void PrintTo(const Sample& sample, std::ostream* out) { *out << sample.name; }
 
 inline const std::vector<Sample>& samples() {
   static const std::vector<Sample> all = {

@@ -3,14 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <ostream>
 
 #include "platform/desk/desk.h"
 #include "tests/scenario/programs.h"
 
 namespace scenario {
-
-void PrintTo(const Sample& sample, std::ostream* out) { *out << sample.name; }
 
 namespace {
 
