@@ -1,0 +1,119 @@
+#pragma once
+
+#include <stdint.h>
+
+// The boundary's classes as a vendor's own headers would declare them: with a virtual destructor, and with a counted
+// smart pointer that is passed by value. On purpose nothing here comes from include/ky.
+
+struct Attribute;
+
+/// IXMLDOMNamedNodeMap, as far as the library calls it.
+struct NodeMap {
+  virtual int32_t QueryInterface(const void* id, void** out) = 0;
+  virtual uint32_t AddRef() = 0;
+  virtual uint32_t Release() = 0;
+  virtual int32_t GetTypeInfoCount(uint32_t*) = 0;
+  virtual int32_t GetTypeInfo(uint32_t, uint32_t, void**) = 0;
+  virtual int32_t GetIDsOfNames(const void*, wchar_t**, uint32_t, uint32_t, int32_t*) = 0;
+  virtual int32_t Invoke(int32_t, const void*, uint32_t, uint16_t, void*, void*, void*, uint32_t*) = 0;
+  virtual int32_t getNamedItem(wchar_t* name, Attribute** out) = 0;
+};
+
+/// IXMLDOMNode, up to the text.
+struct Attribute {
+  virtual int32_t QueryInterface(const void* id, void** out) = 0;
+  virtual uint32_t AddRef() = 0;
+  virtual uint32_t Release() = 0;
+  virtual int32_t Unused3() = 0;
+  virtual int32_t Unused4() = 0;
+  virtual int32_t Unused5() = 0;
+  virtual int32_t Unused6() = 0;
+  virtual int32_t get_nodeName(wchar_t**) = 0;
+  virtual int32_t Unused8() = 0;
+  virtual int32_t Unused9() = 0;
+  virtual int32_t Unused10() = 0;
+  virtual int32_t Unused11() = 0;
+  virtual int32_t Unused12() = 0;
+  virtual int32_t Unused13() = 0;
+  virtual int32_t Unused14() = 0;
+  virtual int32_t Unused15() = 0;
+  virtual int32_t Unused16() = 0;
+  virtual int32_t Unused17() = 0;
+  virtual int32_t Unused18() = 0;
+  virtual int32_t Unused19() = 0;
+  virtual int32_t Unused20() = 0;
+  virtual int32_t Unused21() = 0;
+  virtual int32_t Unused22() = 0;
+  virtual int32_t Unused23() = 0;
+  virtual int32_t Unused24() = 0;
+  virtual int32_t Unused25() = 0;
+  virtual int32_t get_text(wchar_t** out) = 0;
+};
+
+/// A counted pointer: whoever receives it by value owns one reference.
+class NodeMapPtr {
+ public:
+  explicit NodeMapPtr(NodeMap* map) : map_(map) { map_->AddRef(); }
+  NodeMapPtr(const NodeMapPtr& other) : map_(other.map_) { map_->AddRef(); }
+  NodeMapPtr& operator=(const NodeMapPtr&) = delete;
+  ~NodeMapPtr() {
+    if (map_ != nullptr) map_->Release();
+  }
+
+ private:
+  NodeMap* map_;
+};
+
+class CSelfFree {
+ public:
+  virtual void SelfFree() { delete this; }
+  virtual ~CSelfFree() {}
+};
+
+class CInstallCommand : public CSelfFree {
+ public:
+  virtual int32_t GetIndex() = 0;
+  virtual int32_t GetNextIndex() = 0;
+  virtual uint32_t Execute(uintptr_t first, uintptr_t second) = 0;
+  virtual void SetIndex(int32_t position) = 0;
+  virtual uint32_t LoadCiphered(NodeMapPtr map) = 0;
+  virtual uint32_t LoadPlain(NodeMapPtr map) = 0;
+  virtual bool CheckExecCondition() = 0;
+
+  int32_t index;
+  int32_t next;
+  bool executed;
+  char* errVar;
+  char* execCondition;
+};
+
+class CWinapiInterface {
+ public:
+  virtual ~CWinapiInterface() {}
+  virtual void InitializeCriticalSection(void* section) = 0;
+  virtual void DeleteCriticalSection(void* section) = 0;
+  virtual void EnterCriticalSection(void* section) = 0;
+  virtual void LeaveCriticalSection(void* section) = 0;
+  virtual void* CreateEventW(void* security, int32_t manual, int32_t initial, const wchar_t* name) = 0;
+  virtual int32_t SetEvent(void* event) = 0;
+  virtual int32_t CloseHandle(void* handle) = 0;
+  virtual uint32_t GetTickCount() = 0;
+  virtual int32_t MultiByteToWideChar(uint32_t code_page, uint32_t flags, const char* source, int32_t source_length,
+                                      wchar_t* destination, int32_t destination_length) = 0;
+};
+
+class Decrypter : public CSelfFree {
+ public:
+  uintptr_t key = 0;
+  uint16_t reserved = 0;
+  wchar_t text[512];
+  wchar_t staging[512];
+  uint8_t binary[512];
+  CWinapiInterface* converter = nullptr;
+};
+
+class ILoggerApi : public CSelfFree {
+ public:
+  virtual void WriteFormatted(const wchar_t* format, __builtin_va_list arguments) = 0;
+  virtual void WriteLine(const wchar_t* text) = 0;
+};
