@@ -41,7 +41,7 @@ struct Options {
   std::uint64_t max_steps = 1'000'000;
   /// Called before the process ends with exit code 1, on the thread that stops, with no lock held. Comes also when
   /// nothing on the machine can go on (`StopKind::deadlock`).
-  StopHandler on_stop;
+  StopHandler on_stop{};
   /// Real time without progress after which the process aborts.
   std::chrono::milliseconds patience = std::chrono::minutes(2);
 };
