@@ -76,24 +76,35 @@ ErrorCode FolderRemoval::hold(const std::wstring& folder, std::vector<OpenHandle
 }
 
 ErrorCode FolderRemoval::remove_top(const std::wstring& path, ports::Handle parent) {
-  {
-    const OpenHandle top = open(path, holding);
-    if (!top.good()) {
-      const ErrorCode code = system_.errors.last();
-      if (!is_absent(code)) stays(path, true, code);
-      return first_failure_;
-    }
+  OpenHandle top = open(path, deleting);
+  if (!top.good()) {
+    cannot_open(path, true, parent);
+    return first_failure_;
+  }
+  std::uint32_t attributes = 0;
+  const ErrorCode failure = inspect(top, parent, attributes);
+  if (failure != ports::code::success) return failure;
+  if (!is_folder(attributes)) return ports::code::directory_name_invalid;
+  if (!is_link(attributes)) {
+    if (is_protected(top)) return ports::code::invalid_parameter;
+    if (options_.recursive) remove_children(path, top.get());
+  }
+  remove_open(std::move(top), path, attributes);
+  return first_failure_;
+}
+
+void FolderRemoval::cannot_open(const std::wstring& path, bool folder, ports::Handle parent) {
+  const ErrorCode code = system_.errors.last();
+  if (is_absent(code)) return;
+  if (folder && options_.recursive) {
+    const OpenHandle in_use = open(path, holding);
     std::uint32_t attributes = 0;
-    const ErrorCode failure = inspect(top, parent, attributes);
-    if (failure != ports::code::success) return failure;
-    if (!is_folder(attributes)) return ports::code::directory_name_invalid;
-    if (!is_link(attributes)) {
-      if (is_protected(top)) return ports::code::invalid_parameter;
-      if (options_.recursive) remove_children(path, top.get());
+    const bool straight = in_use.good() && inspect(in_use, parent, attributes) == ports::code::success;
+    if (straight && is_folder(attributes) && !is_link(attributes) && !is_protected(in_use)) {
+      remove_children(path, in_use.get());
     }
   }
-  remove_itself(path, true, parent);
-  return first_failure_;
+  stays(path, folder, code);
 }
 
 void FolderRemoval::remove_children(const std::wstring& folder, ports::Handle handle) {
@@ -112,34 +123,25 @@ void FolderRemoval::remove_children(const std::wstring& folder, ports::Handle ha
 }
 
 void FolderRemoval::remove_child(const std::wstring& path, std::uint32_t listed, ports::Handle parent) {
-  // The row is a hint: what is opened is looked at again.
-  if (is_folder(listed) && !is_link(listed)) {
-    const OpenHandle folder = open(path, holding);
-    std::uint32_t attributes = 0;
-    const bool straight = folder.good() && inspect(folder, parent, attributes) == ports::code::success;
-    if (straight && is_folder(attributes) && !is_link(attributes)) remove_children(path, folder.get());
-  }
-  remove_itself(path, is_folder(listed), parent);
+  OpenHandle child = open(path, deleting);
+  if (!child.good()) return cannot_open(path, is_folder(listed) && !is_link(listed), parent);
+  std::uint32_t attributes = 0;
+  const ErrorCode failure = inspect(child, parent, attributes);
+  if (failure != ports::code::success) return note_failure(path, failure);
+  if (is_folder(attributes) && !is_link(attributes)) remove_children(path, child.get());
+  remove_open(std::move(child), path, attributes);
 }
 
-/// Opens the thing anew: a folder that is open for erasing cannot be listed on every system. What stands there by now
-/// is opened as itself, under a parent that is held, so at worst an empty folder or a link goes that came in its place.
-void FolderRemoval::remove_itself(const std::wstring& path, bool folder, ports::Handle parent) {
+void FolderRemoval::remove_open(OpenHandle file, const std::wstring& path, std::uint32_t attributes) {
   ErrorCode code = ports::code::success;
   {
-    const OpenHandle thing = open(path, deleting);
-    std::uint32_t attributes = 0;
-    code = thing.good() ? inspect(thing, parent, attributes) : system_.errors.last();
-    if (is_absent(code)) return;
-    if (code == ports::code::stopped_on_symlink) return note_failure(path, code);
-    if (code == ports::code::success) {
-      if ((attributes & attribute::read_only) != 0) {
-        (void)system_.files.set_attributes_of(thing.get(), attribute::normal);  // the deletion tells whether it worked
-      }
-      if (!system_.files.mark_deleted(thing.get())) code = system_.errors.last();
+    const OpenHandle open = std::move(file);
+    if ((attributes & attribute::read_only) != 0) {
+      (void)system_.files.set_attributes_of(open.get(), attribute::normal);  // the deletion tells whether it worked
     }
+    if (!system_.files.mark_deleted(open.get())) code = system_.errors.last();
   }
-  if (code != ports::code::success) stays(path, folder, code);
+  if (code != ports::code::success) stays(path, is_folder(attributes), code);
 }
 
 void FolderRemoval::stays(const std::wstring& path, bool folder, ErrorCode code) {

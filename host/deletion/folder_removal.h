@@ -44,7 +44,10 @@ class FolderRemoval {
   [[nodiscard]] ports::ErrorCode remove_top(const std::wstring& path, ports::Handle parent);
   void remove_children(const std::wstring& folder, ports::Handle handle);
   void remove_child(const std::wstring& path, std::uint32_t listed, ports::Handle parent);
-  void remove_itself(const std::wstring& path, bool folder, ports::Handle parent);
+  /// For what did not open for erasing. A folder in use stays, but what is in it goes.
+  void cannot_open(const std::wstring& path, bool folder, ports::Handle parent);
+  /// Deletes what is open; `path` is for the log, and for booking once it is closed.
+  void remove_open(OpenHandle file, const std::wstring& path, std::uint32_t attributes);
   void stays(const std::wstring& path, bool folder, ports::ErrorCode code);
   void note_failure(const std::wstring& path, ports::ErrorCode code);
   [[nodiscard]] bool put_aside(const std::wstring& path, bool folder);

@@ -49,6 +49,11 @@ class CInstallCommand : public CSelfFree {
 
   [[nodiscard]] bool GuardHeld() const noexcept { return guard.Held(); }
 
+  /// The index behind this command's own; it wraps around behind the greatest.
+  [[nodiscard]] std::int32_t FollowingIndex() const noexcept {
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(index) + 1);
+  }
+
   std::int32_t index = -1;
   std::int32_t next = -1;
   bool executed = false;

@@ -47,6 +47,17 @@ TEST_P(Samples, RunTwiceChangeNothingTheSecondTime) {
   EXPECT_NE(read_text(desk::join(second, "result.json")).find("\"changes\": [],"), std::string::npos);
 }
 
+TEST(Rehearsal, AnEndlessScriptStopsAtTheStepLimit) {
+  const std::string out = output_folder("endless");
+  EXPECT_EQ(run_program(desk_path(KY_PROGRAM),
+                        {"rehearse", "--machine", source_path("samples/machines/workshop.json"), "--script",
+                         source_path("tests/scenario/scripts/endless-loop.xml"), "--max-steps", "1000", "--out", out}),
+            1);
+  const std::string result = read_text(desk::join(out, "result.json"));
+  EXPECT_NE(result.find("step"), std::string::npos) << result;
+  EXPECT_FALSE(read_text(desk::join(out, "machine.json")).empty());
+}
+
 INSTANTIATE_TEST_SUITE_P(Each, Samples, testing::ValuesIn(samples()), [](const testing::TestParamInfo<Sample>& sample) {
   std::string name = sample.param.name;
   for (char& c : name) c = c == '-' ? '_' : c;

@@ -71,4 +71,34 @@ TEST_F(Ky, BadInputIsOneLineAndNothingIsWritten) {
   EXPECT_EQ(err_, "");
 }
 
+TEST_F(Ky, ARefusedRehearsalHasRunAndWrittenNothing) {
+  const std::string machine = folder_ / "m.json";
+  ASSERT_EQ(desk::write_file(machine, R"({"format": "ky-machine", "version": 1})"), "");
+  const std::string script = folder_ / "s.xml";
+  ASSERT_EQ(desk::write_file(script, R"(<install version="1.0"><commands><Jump target="7"/></commands></install>)"), "");
+  const std::string cut = folder_ / "cut.json";
+  ASSERT_EQ(desk::write_file(cut, R"({"format": "ky-machine")"), "");
+  const std::string foreign = folder_ / "foreign.json";
+  ASSERT_EQ(desk::write_file(foreign, R"({"format": "ky-machine", "version": 9})"), "");
+  const struct {
+    std::vector<std::string> arguments;
+    std::string part;  // of the message, behind the file's name
+  } cases[] = {
+      {{"--machine", folder_ / "absent"}, "it does not exist"},
+      {{"--machine", cut}, "the text is not JSON"},
+      {{"--machine", foreign}, "version"},
+      {{"--machine", machine, "--script", script}, "has index 7"},
+      {{"--machine", machine, "--script", script}, "lacks the attribute \"condition\""},
+      {{"--machine", machine, "--script-key", script}, "BEGIN KY SCRIPT KEY"},
+  };
+  for (auto [arguments, part] : cases) {
+    arguments.insert(arguments.begin(), "rehearse");
+    arguments.insert(arguments.end(), {"--out", folder_ / "out"});
+    EXPECT_EQ(run(arguments), 1);
+    EXPECT_NE(err_.find(part), std::string::npos) << err_;
+    EXPECT_EQ(out_, "");
+    EXPECT_FALSE(desk::exists(folder_ / "out")) << part;
+  }
+}
+
 }  // namespace

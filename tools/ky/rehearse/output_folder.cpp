@@ -1,13 +1,11 @@
 #include "tools/ky/rehearse/output_folder.h"
 
-#include <utility>
-
 #include "platform/desk/desk.h"
 #include "tools/ky/bad_input.h"
 
 namespace rehearsal {
 
-OutputFolder::OutputFolder(std::optional<std::string> path) : path_(std::move(path)) {
+void OutputFolder::make() const {
   if (!path_) return;
   if (const std::string reason = desk::make_folders(*path_); !reason.empty()) throw workbench::BadInput(reason);
 }

@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace rehearsal {
@@ -10,8 +11,10 @@ namespace rehearsal {
 /// The folder that receives a run's files. Without one nothing is written.
 class OutputFolder {
  public:
-  /// Makes the folder; throws `workbench::BadInput` where that fails.
-  explicit OutputFolder(std::optional<std::string> path);
+  explicit OutputFolder(std::optional<std::string> path) : path_(std::move(path)) {}
+
+  /// Makes the folder, once it is sure that something will be written. Throws `workbench::BadInput` where that fails.
+  void make() const;
 
   /// Writes one file whole. Gives the empty string or, in one line, what went wrong.
   [[nodiscard]] std::string write(const std::string& name, std::string_view bytes);

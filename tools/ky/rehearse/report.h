@@ -27,6 +27,9 @@ class Report {
   /// Whether log.txt is written; it is unless the run's log is to stay sealed.
   void keep_log(bool keep) { keep_log_ = keep; }
 
+  /// Makes sure that there is a place for the files; throws `workbench::BadInput` where there is none.
+  void open() { folder_.make(); }
+
   /// Writes the files and the summary. Gives the exit code: 0 when the run went well, else 1.
   int finish(const Outcome& outcome);
 

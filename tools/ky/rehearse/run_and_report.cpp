@@ -20,6 +20,7 @@ int run_and_report(ScriptRun& run, const ScriptSource& source, Report& report, s
     for (const std::string& reason : reasons) lines += (lines.empty() ? "" : "\n") + source.title + ": " + reason;
     throw workbench::BadInput(lines);
   }
+  report.open();
   ProgressLine progress(err, desk::is_terminal(), run.program().steps().size());
   const Outcome outcome =
       run.run([&progress](std::size_t number, const std::string& name) { progress.show(number, name); });

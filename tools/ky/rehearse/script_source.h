@@ -15,7 +15,7 @@ struct ScriptSource {
   std::string title;  // for people
 };
 
-/// Reads and compiles the plain script in `file`; without a file it is the edition's. The key is the build's unless
+/// The script in `file`, compiled where it is plain; without a file it is the edition's. The key is the build's unless
 /// `key_file` names another. Throws `workbench::BadInput` with file, place and reason.
 [[nodiscard]] ScriptSource script_source(const std::optional<std::string>& file,
                                          const std::optional<std::string>& key_file, ports::ScriptCipher& cipher);

@@ -76,7 +76,7 @@ void print_deletions(const Outcome& outcome, Fate fate, const char* heading, std
   const char* indent = heading;
   for (const record::Deletion& deletion : outcome.deletions) {
     if (fate_of(deletion) != fate) continue;
-    out << indent << to_utf8(deletion.path);
+    out << indent << (deletion.path.empty() ? "(an empty path)" : to_utf8(deletion.path));
     if (fate == Fate::remains) out << "  (" << deletion.kind << ", error " << deletion.code << ")";
     out << '\n';
     indent = "               ";

@@ -25,7 +25,7 @@ void CInstallCommand::SetIndex(std::int32_t position) { index = position; }
 
 std::int32_t CInstallCommand::GetNextIndex() {
   if (!executed) Trace(L"[InstallCommand] Warning: GetNextIndex called before Execute\n");
-  return next >= 0 ? next : index + 1;
+  return next >= 0 ? next : FollowingIndex();
 }
 
 bool CInstallCommand::CheckExecCondition() {

@@ -85,7 +85,7 @@ std::uint32_t CJumpCommand::Execute(std::uintptr_t, std::uintptr_t) {
     } else {
       integer = Get(IntKey(condition.get()));
     }
-    next = elseNext >= 0 ? elseNext : index + 1;
+    next = elseNext >= 0 ? elseNext : FollowingIndex();
     if (expValue) value = Get(IntKey(expValue.get()));
     // An integer to compare with wins over a text: 0 is then what it is compared with.
     if (hasValue || !hasStrValue) {
