@@ -14,6 +14,10 @@ endif()
 
 add_compile_options(-Wall -Wextra -Werror -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
                     -Wold-style-cast -Wcast-align -Woverloaded-virtual)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  # Texts are copied and compared unit by unit all over: let the compiler take many at a time.
+  add_compile_options(-fvect-cost-model=dynamic)
+endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
   add_compile_options(-Wthread-safety)
 endif()

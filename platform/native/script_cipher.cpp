@@ -31,8 +31,7 @@ std::uintptr_t OpensslCipher::import_key(std::span<const std::uint8_t, key_size>
   auto key = std::make_unique<Key>();
   key->decrypting.reset(EVP_CIPHER_CTX_new());
   key->encrypting.reset(EVP_CIPHER_CTX_new());
-  if (EVP_DecryptInit_ex(key->decrypting.get(), EVP_aes_256_ecb(), nullptr, bytes.data(), nullptr) != 1 ||
-      EVP_CIPHER_CTX_set_padding(key->decrypting.get(), 0) != 1 ||
+  if (EVP_DecryptInit_ex(key->decrypting.get(), EVP_aes_256_cbc(), nullptr, bytes.data(), zero_iv.data()) != 1 ||
       EVP_EncryptInit_ex(key->encrypting.get(), EVP_aes_256_cbc(), nullptr, bytes.data(), zero_iv.data()) != 1) {
     errors_.set_last(ports::code::not_enough_memory);
     return 0;
@@ -83,35 +82,15 @@ bool OpensslCipher::decrypt(std::uintptr_t key, std::uint8_t* bytes, std::uint32
   const auto found = keys_.find(key);
   if (found == keys_.end()) return fail(ports::code::bad_cipher_key);
   if (size == 0 || size % block_size != 0) return fail(ports::code::bad_cipher_data);
-  // The blocks are chained here. A context that chains has to be set up anew for each value, which takes longer than
-  // the few blocks that a value has.
   EVP_CIPHER_CTX* const context = found->second->decrypting.get();
-  std::array<std::uint8_t, block_size> before = zero_iv;
-  std::array<std::uint8_t, 32 * block_size> plain;
-  for (std::uint32_t at = 0; at < size; at += static_cast<std::uint32_t>(plain.size())) {
-    std::uint8_t* const cipher = bytes + at;
-    const std::uint32_t length = std::min(size - at, static_cast<std::uint32_t>(plain.size()));
-    int written = 0;
-    if (EVP_DecryptUpdate(context, plain.data(), &written, cipher, static_cast<int>(length)) != 1) {
-      return fail(ports::code::bad_cipher_data);
-    }
-    const auto chain = [&plain](std::uint32_t block, const std::uint8_t* with) {
-      for (std::uint32_t i = 0; i < block_size; ++i) {
-        plain[block + i] = static_cast<std::uint8_t>(plain[block + i] ^ with[i]);
-      }
-    };
-    chain(0, before.data());
-    for (std::uint32_t block = block_size; block < length; block += block_size)
-      chain(block, cipher + block - block_size);
-    std::copy_n(cipher + length - block_size, block_size, before.data());
-    std::copy_n(plain.data(), length, cipher);
+  int written = 0;
+  int rest = 0;
+  if (EVP_DecryptInit_ex(context, nullptr, nullptr, nullptr, zero_iv.data()) != 1 ||
+      EVP_DecryptUpdate(context, bytes, &written, bytes, static_cast<int>(size)) != 1 ||
+      EVP_DecryptFinal_ex(context, bytes + written, &rest) != 1) {
+    return fail(ports::code::bad_cipher_data);
   }
-  const std::uint32_t padding = bytes[size - 1];
-  if (padding == 0 || padding > block_size) return fail(ports::code::bad_cipher_data);
-  for (std::uint32_t i = 1; i <= padding; ++i) {
-    if (bytes[size - i] != padding) return fail(ports::code::bad_cipher_data);
-  }
-  size -= padding;
+  size = static_cast<std::uint32_t>(written + rest);
   return true;
 }
 

@@ -16,21 +16,13 @@ namespace ky {
 
 namespace {
 
-wchar_t standard_base64(wchar_t c) {
-  switch (c) {
-    case L'-': return L'+';
-    case L'_': return L'/';
-    case L'.': return L'=';
-    default: return c;
-  }
-}
-
-/// Copies `value` without its first character into the staging buffer; gives the length.
+/// Copies `value` without its first character into the staging buffer, in the standard alphabet; gives the length.
 std::uint32_t stage(Decrypter& decrypter, const wchar_t* value) {
-  std::size_t length = 0;
-  for (const wchar_t* from = value + 1; *from != L'\0'; ++from, ++length) {
-    if (length + 1 == Decrypter::capacity) base::stop_invalid_parameter(L"decipher: value too long", value);
-    decrypter.staging[length] = standard_base64(*from);
+  const std::size_t length = std::wcslen(value) - 1;
+  if (length >= Decrypter::capacity) base::stop_invalid_parameter(L"decipher: value too long", value);
+  for (std::size_t i = 0; i < length; ++i) {
+    const wchar_t c = value[i + 1];
+    decrypter.staging[i] = c == L'-' ? L'+' : c == L'_' ? L'/' : c == L'.' ? L'=' : c;
   }
   decrypter.staging[length] = L'\0';
   return static_cast<std::uint32_t>(length);
