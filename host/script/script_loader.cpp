@@ -1,5 +1,6 @@
 #include "host/script/script_loader.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <exception>
 #include <span>
@@ -10,6 +11,7 @@
 #include "installer/utils/base/strings/format.h"
 #include "installer/utils/base/strings/number.h"
 #include "installer/utils/base/strings/utf8.h"
+#include "ky/keys.h"
 #include "platform/ports/codes.h"
 #include "platform/ports/system.h"
 
@@ -96,6 +98,7 @@ void ScriptLoader::load_element(ports::XmlNode* element) {
     return;
   }
   const Kind& kind = kind_of(name_);
+  written_ = {};
   FlowPoint point;
   bool good = kind.fault == nullptr;
   if (!good) fault(kind.name, {}, kind.fault);
@@ -107,6 +110,10 @@ void ScriptLoader::load_element(ports::XmlNode* element) {
 
   CommandOwner command = load_command(kind, map);
   if (command == nullptr) return;
+  if (const char* const attribute = misread(*command); attribute != nullptr) {
+    fault(kind.name, attribute, "was read otherwise by its command");
+    return;
+  }
   previous_index_ = point.index = command->GetIndex();
   point.next = command->next;
   points_.push_back(point);
@@ -167,8 +174,25 @@ bool ScriptLoader::check_attribute(const Kind& kind, ports::XmlNode* attribute, 
     fault(kind.name, to_utf8(name), value.fault);
     return false;
   }
-  if (name == L"target") point.target = base::strings::to_integer(base::strings::to_wide(value.plain).c_str());
+  const auto integer = [&value] { return base::strings::to_integer(base::strings::to_wide(value.plain).c_str()); };
+  if (name == L"target") point.target = integer();
+  if (name == L"index") written_.index = integer();
+  if (name == L"next") written_.next = integer();
+  if (name == L"execCondition") written_.condition = std::string(ky::int_prefix).append(value.plain);
   return true;
+}
+
+/// The attribute that the command has otherwise than it is written, or null. A command goes on where reading one of
+/// these fails: it would then run unasked, or send the run in circles.
+const char* ScriptLoader::misread(const ky::CInstallCommand& command) const {
+  if (written_.index && command.index != *written_.index) return "index";
+  if (written_.next && command.next != *written_.next) return "next";
+  if (!written_.condition) return nullptr;
+  if (command.execCondition == nullptr) return "execCondition";
+  // The command's key is in the active code page: beyond ASCII the two may rightly differ.
+  const std::string& key = *written_.condition;
+  const bool ascii = std::all_of(key.begin(), key.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+  return ascii && key != command.execCondition.get() ? "execCondition" : nullptr;
 }
 
 CommandOwner ScriptLoader::load_command(const Kind& kind, MapOwner& map) {

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -57,6 +59,7 @@ class ScriptLoader {
   [[nodiscard]] bool check_attributes(const Kind& kind, ky::AttributeMap* map, FlowPoint& point);
   [[nodiscard]] bool check_attribute(const Kind& kind, ports::XmlNode* attribute, std::wstring& name, FlowPoint& point);
   [[nodiscard]] CommandOwner load_command(const Kind& kind, MapOwner& map);
+  [[nodiscard]] const char* misread(const ky::CInstallCommand& command) const;
   void fault(const std::string& name, std::string attribute, std::string reason);
   void check_all_ways();
 
@@ -68,6 +71,12 @@ class ScriptLoader {
   LoadedScript script_;
   std::size_t number_ = 0;  // of the element at hand
   std::int32_t previous_index_ = -1;
+  /// What the element at hand says of its place and its ways.
+  struct Written {
+    std::optional<std::int32_t> index;
+    std::optional<std::int32_t> next;
+    std::optional<std::string> condition;  // the whole key
+  } written_;
   // The elements that were loaded and their ways, in step.
   std::vector<ProgramStep> loaded_;
   std::vector<FlowPoint> points_;

@@ -76,7 +76,7 @@ std::size_t open_handles(machine::Machine& machine) {
 std::string EditionRun::once(const Plan& before, const Stopped& stopped, const Look& after) const {
   machine::Options options;
   options.on_stop = stopped;
-  options.max_steps = 100'000;  // no fault may keep the script going in circles
+  options.max_steps = 5'000;  // no fault may keep the script going in circles
   machine::Machine machine(machine_, options);
   machine.add_resource(edition::document_type, edition::script_id, bytes_of(edition::script()));
   machine.add_resource(edition::document_type, edition::configuration_id, bytes_of(edition::configuration()));
