@@ -28,7 +28,8 @@ std::uint32_t CDeleteFolderCommand::Execute(std::uintptr_t, std::uintptr_t) {
   return ky::InStandardShape(*this, guard, log_name, [this] { return Delete(); });
 }
 
-std::uint32_t CDeleteFolderCommand::Delete() const {
+std::uint32_t CDeleteFolderCommand::Delete() {
+  forget_request();
   std::wstring expanded;
   if (ky::ExpandVariables(path, expanded) != ports::code::success) {
     ky::Trace(L"%i: %s Error: '%s' names an undefined variable.\n", index, log_name, path.c_str());
@@ -45,6 +46,7 @@ std::uint32_t CDeleteFolderCommand::Delete() const {
     ky::Trace(L"%i: %s Error: '%s' is refused: %s.\n", index, log_name, expanded.c_str(), target.refusal);
     return ports::code::invalid_parameter;
   }
+  keep_request("folder", shown(target.steps.back()));
   const ports::ErrorCode result = FolderRemoval(system, options, protected_folders).remove(target.steps);
   ky::Trace(L"%i: %s '%s' result %u.\n", index, log_name, expanded.c_str(), result);
   return result;

@@ -2,8 +2,8 @@
 
 #include <string>
 
+#include "host/commands/deleting_command.h"
 #include "host/deletion/folder_removal.h"
-#include "ky/install_command.h"
 
 namespace host {
 
@@ -17,13 +17,13 @@ namespace host {
 ///   undefined variable; 87 for a path that it refuses; 681 for a link among the ancestors; 267 for a file; 145 for a
 ///   full folder without recursive; otherwise the error of the first thing that stays; 1359 when another thread is
 ///   inside. A load gives 87 without path.
-class CDeleteFolderCommand final : public ky::Destroyable<CDeleteFolderCommand, ky::CInstallCommand> {
+class CDeleteFolderCommand final : public ky::Destroyable<CDeleteFolderCommand, DeletingCommand> {
  public:
   std::uint32_t Execute(std::uintptr_t first, std::uintptr_t second) override;
   std::uint32_t LoadCiphered(ky::AttributeMap** map) override;
 
  private:
-  [[nodiscard]] std::uint32_t Delete() const;
+  [[nodiscard]] std::uint32_t Delete();
 
   std::wstring path;
   FolderRemovalOptions options;

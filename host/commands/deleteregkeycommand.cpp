@@ -26,7 +26,8 @@ std::uint32_t CDeleteRegKeyCommand::Execute(std::uintptr_t, std::uintptr_t) {
   return ky::InStandardShape(*this, guard, log_name, [this] { return Delete(); });
 }
 
-std::uint32_t CDeleteRegKeyCommand::Delete() const {
+std::uint32_t CDeleteRegKeyCommand::Delete() {
+  forget_request();
   std::wstring root;
   std::wstring key;
   if (ky::ExpandVariables(base, root) != ports::code::success ||
@@ -39,6 +40,7 @@ std::uint32_t CDeleteRegKeyCommand::Delete() const {
     ky::Trace(L"%i: %s Error: '%s\\%s' is refused: %s.\n", index, log_name, root.c_str(), key.c_str(), target.refusal);
     return ports::code::invalid_parameter;
   }
+  if (!target.each_user) keep_request("registry-key", full_name(root, target));
   const ports::ErrorCode result = RegistryRemoval(ports::system().registry).remove_key(target, recursive);
   ky::Trace(L"%i: %s '%s\\%s' result %u.\n", index, log_name, root.c_str(), key.c_str(), result);
   return result;

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "ky/install_command.h"
+#include "host/commands/deleting_command.h"
 
 namespace host {
 
@@ -16,13 +16,13 @@ namespace host {
 /// Results: 0 where the key is gone or was absent; 31 where a text names an undefined variable; 87 for a key that it
 ///   refuses; 681 for a link on the way; 1020 for a key with subkeys without recursive; otherwise the error of the
 ///   first key that stays; 1359 when another thread is inside. A load gives 87 where an attribute is missing.
-class CDeleteRegKeyCommand final : public ky::Destroyable<CDeleteRegKeyCommand, ky::CInstallCommand> {
+class CDeleteRegKeyCommand final : public ky::Destroyable<CDeleteRegKeyCommand, DeletingCommand> {
  public:
   std::uint32_t Execute(std::uintptr_t first, std::uintptr_t second) override;
   std::uint32_t LoadCiphered(ky::AttributeMap** map) override;
 
  private:
-  [[nodiscard]] std::uint32_t Delete() const;
+  [[nodiscard]] std::uint32_t Delete();
 
   std::wstring base;
   std::wstring subkey;

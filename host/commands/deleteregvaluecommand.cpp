@@ -27,7 +27,8 @@ std::uint32_t CDeleteRegValueCommand::Execute(std::uintptr_t, std::uintptr_t) {
   return ky::InStandardShape(*this, guard, log_name, [this] { return Delete(); });
 }
 
-std::uint32_t CDeleteRegValueCommand::Delete() const {
+std::uint32_t CDeleteRegValueCommand::Delete() {
+  forget_request();
   std::wstring root;
   std::wstring key;
   std::wstring name;
@@ -42,6 +43,9 @@ std::uint32_t CDeleteRegValueCommand::Delete() const {
   if (target.refusal != nullptr) {
     ky::Trace(L"%i: %s Error: '%s\\%s' is refused: %s.\n", index, log_name, root.c_str(), key.c_str(), target.refusal);
     return ports::code::invalid_parameter;
+  }
+  if (!target.each_user) {
+    keep_request("registry-value", full_name(root, target) + L"\\" + (name.empty() ? L"(default)" : name));
   }
   const ports::ErrorCode result = RegistryRemoval(ports::system().registry).remove_value(target, name);
   ky::Trace(L"%i: %s '%s\\%s', value '%s' result %u.\n", index, log_name, root.c_str(), key.c_str(), name.c_str(),

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "ky/install_command.h"
+#include "host/commands/deleting_command.h"
 
 namespace host {
 
@@ -17,13 +17,13 @@ namespace host {
 /// subkey
 ///   that is none; 681 for a link on the way or at its end; otherwise the error of the deletion; 1359 when another
 ///   thread is inside. A load gives 87 where an attribute is missing.
-class CDeleteRegValueCommand final : public ky::Destroyable<CDeleteRegValueCommand, ky::CInstallCommand> {
+class CDeleteRegValueCommand final : public ky::Destroyable<CDeleteRegValueCommand, DeletingCommand> {
  public:
   std::uint32_t Execute(std::uintptr_t first, std::uintptr_t second) override;
   std::uint32_t LoadCiphered(ky::AttributeMap** map) override;
 
  private:
-  [[nodiscard]] std::uint32_t Delete() const;
+  [[nodiscard]] std::uint32_t Delete();
 
   std::wstring base;
   std::wstring subkey;

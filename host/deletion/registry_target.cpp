@@ -121,6 +121,12 @@ RegistryTarget decide_registry_key(std::wstring_view base, std::wstring_view sub
   return target;
 }
 
+std::wstring full_name(std::wstring_view base, const RegistryTarget& target) {
+  std::wstring name(base);
+  for (const std::wstring& part : target.parts) name.append(L"\\").append(part);
+  return name;
+}
+
 bool is_user_key(std::wstring_view name) {
   constexpr std::wstring_view classes = L"_Classes";
   return name.size() < classes.size() || !equal_ignoring_case(name.substr(name.size() - classes.size()), classes);

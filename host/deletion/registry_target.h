@@ -30,6 +30,9 @@ struct RegistryTarget {
 /// or one of the great branches that products lie below.
 [[nodiscard]] RegistryTarget decide_registry_key(std::wstring_view base, std::wstring_view subkey);
 
+/// The target's name for people; for each user's it stands below HKEY_USERS\user.
+[[nodiscard]] std::wstring full_name(std::wstring_view base, const RegistryTarget& target);
+
 /// True for a user's own key below HKEY_USERS; a name that ends in "_Classes" is a part of one.
 [[nodiscard]] bool is_user_key(std::wstring_view name);
 

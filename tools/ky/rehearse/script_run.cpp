@@ -1,10 +1,14 @@
 #include "tools/ky/rehearse/script_run.h"
 
+#include <algorithm>
 #include <string_view>
 
+#include "host/commands/deleting_command.h"
 #include "installer/desktop/module/library.h"
+#include "installer/utils/base/strings/case_fold.h"
 #include "installer/utils/base/strings/utf8.h"
 #include "ky/keys.h"
+#include "platform/ports/codes.h"
 #include "tools/ky/rehearse/environment_keys.h"
 
 namespace rehearsal {
@@ -85,6 +89,11 @@ void ScriptRun::before(const host::ProgramStep& step) {
 
 void ScriptRun::after(const host::ProgramStep& step, const host::StepOutcome& outcome) {
   commands_.push_back({step.index, step.name, outcome.run, outcome.result, outcome.next});
+  const auto* const deleting = dynamic_cast<const host::DeletingCommand*>(step.command.get());
+  if (deleting == nullptr || !outcome.run || !deleting->asked_for()) return;
+  const bool done = outcome.result == ports::code::success;
+  asked_for_.push_back({deleting->asked_for()->kind, deleting->asked_for()->path,
+                        done ? ports::code::file_not_found : outcome.result, done});
 }
 
 Outcome ScriptRun::seen_so_far() const {
@@ -99,6 +108,12 @@ void ScriptRun::gather_changes(Outcome& outcome) const {
   outcome.changes = recorder_.changes();
   outcome.actions = recorder_.actions();
   outcome.deletions = recorder_.deletions();
+  for (const record::Deletion& asked : asked_for_) {
+    const bool seen = std::any_of(outcome.deletions.begin(), outcome.deletions.end(), [&asked](const auto& deletion) {
+      return base::strings::equal_ignoring_case(deletion.path, asked.path);
+    });
+    if (!seen) outcome.deletions.push_back(asked);
+  }
 }
 
 }  // namespace rehearsal

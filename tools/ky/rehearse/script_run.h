@@ -53,6 +53,8 @@ class ScriptRun final : private host::RunObserver {
   std::unique_ptr<host::Session> session_;
   Progress progress_;
   std::vector<CommandRun> commands_;
+  /// What deleting commands were asked for, with their results: for what nothing was there to show it.
+  std::vector<record::Deletion> asked_for_;
   /// The command at hand; its outcome is not known yet.
   CommandRun current_;
 };
