@@ -160,11 +160,12 @@ TEST(Kysetup, RemovesForRealWhatTheRehearsalRemovesAndNothingElse) {
   LaidOutMachine after(read_text(desk::join(out, "machine.json")));
   const std::set<std::wstring> machine_before = list_all(like.system);
   const std::set<std::wstring> machine_gone = missing(machine_before, list_all(after.system));
-  EXPECT_EQ(gone, machine_gone);
+  EXPECT_EQ(missing(gone, machine_gone), std::set<std::wstring>()) << "gone for real, not on the machine";
+  EXPECT_EQ(missing(machine_gone, gone), std::set<std::wstring>()) << "gone on the machine, not for real";
   EXPECT_GT(gone.size(), 100u);
 
   // Nothing came, and every bystander stands.
-  EXPECT_TRUE(missing(list_all(real()), before).empty());
+  EXPECT_EQ(missing(list_all(real()), before), std::set<std::wstring>()) << "came for real";
   for (const wchar_t* const bystander :
        {L"c:\\program files\\example office\\office.exe", L"c:\\program files\\tavrine\\setup\\kysetup.exe",
         L"c:\\users\\anna\\documents\\diary.txt", L"hkey_local_machine\\software\\tavrinex\\",
