@@ -11,8 +11,22 @@
 
 namespace host {
 
+namespace {
+
+ports::System with_cipher(const ports::System& system, ports::ScriptCipher& cipher) {
+  return {system.errors,    system.clock,   system.threads,   system.waits,       system.files,       system.registry,
+          system.processes, system.modules, system.resources, system.environment, system.termination, system.text,
+          system.winapi,    cipher,         system.key_maker, system.xml,         system.own_module};
+}
+
+}  // namespace
+
 Session::Session(const ports::System& system, const Factories& library)
-    : system_(system), own_(own_commands()), library_(library), current_(store_) {
+    : cipher_(system.cipher),
+      system_(with_cipher(system, cipher_)),
+      own_(own_commands()),
+      library_(library),
+      current_(store_) {
   ports::bind(system_);
   ky::BindStore(&get_current, &put_current);
 }
@@ -32,6 +46,7 @@ std::string Session::start(const ScriptKey& key) {
 }
 
 std::vector<ScriptFault> Session::load(std::string_view script) {
+  const RememberingCipher::Memory memory(cipher_, cipher_key_);
   LoadedScript loaded = ScriptLoader(system_, cipher_key_, {&library_, &own_}).load(script);
   program_ = std::move(loaded.program);
   return std::move(loaded.faults);

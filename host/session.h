@@ -8,6 +8,7 @@
 #include "host/factories.h"
 #include "host/runner.h"
 #include "host/script/program.h"
+#include "host/script/remembering_cipher.h"
 #include "host/script/script_fault.h"
 #include "host/script/script_key.h"
 #include "host/store.h"
@@ -23,8 +24,8 @@ namespace host {
 /// is loaded, which `release`, or else the destructor, does.
 class Session {
  public:
-  /// `system` is bound for the life of the session; `library` gives the commands that are not the host's own. Both
-  /// outlive it.
+  /// `system` is bound for the life of the session, with a cipher that remembers during a load; `library` gives the
+  /// commands that are not the host's own. The ports and `library` outlive it.
   Session(const ports::System& system, const Factories& library);
   ~Session();
   Session(const Session&) = delete;
@@ -48,7 +49,8 @@ class Session {
   [[nodiscard]] const Program& program() const { return program_; }
 
  private:
-  const ports::System& system_;
+  RememberingCipher cipher_;
+  ports::System system_;  // with `cipher_`
   TableFactories own_;
   const Factories& library_;
   Store store_;

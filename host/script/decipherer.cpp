@@ -10,7 +10,7 @@ namespace host {
 
 namespace {
 
-/// Standard base64 of each URL-safe character; 0 for one outside the alphabet.
+/// Standard base64 of each URL-safe digit; 0 for one outside the alphabet.
 constexpr std::array<wchar_t, 128> standard_forms = [] {
   std::array<wchar_t, 128> forms{};
   for (wchar_t c = L'0'; c <= L'9'; ++c) forms[static_cast<std::size_t>(c)] = c;
@@ -18,7 +18,6 @@ constexpr std::array<wchar_t, 128> standard_forms = [] {
   for (wchar_t c = L'a'; c <= L'z'; ++c) forms[static_cast<std::size_t>(c)] = c;
   forms[L'-'] = L'+';
   forms[L'_'] = L'/';
-  forms[L'.'] = L'=';
   return forms;
 }();
 
@@ -29,17 +28,16 @@ wchar_t standard(wchar_t c) {
 
 /// Writes the standard form of `digits`; false where a character or the place of the padding is wrong.
 bool to_standard(std::wstring_view digits, wchar_t* out) {
-  std::size_t padding = 0;
+  bool good = true;
+  for (std::size_t padding = 0; padding < 2 && digits.ends_with(L'.'); ++padding) {
+    digits.remove_suffix(1);
+    out[digits.size()] = L'=';
+  }
   for (std::size_t i = 0; i < digits.size(); ++i) {
     out[i] = standard(digits[i]);
-    if (out[i] == 0) return false;
-    if (out[i] == L'=') {
-      ++padding;
-    } else if (padding != 0) {
-      return false;
-    }
+    good &= out[i] != L'\0';
   }
-  return padding <= 2;
+  return good;
 }
 
 /// A copy of `text` in `memory`.

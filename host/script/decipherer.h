@@ -42,7 +42,7 @@ class Decipherer {
   /// The last block depends on all that stands before it, so a look at the text's end will do.
   struct Hash {
     std::size_t operator()(std::wstring_view text) const {
-      return std::hash<std::wstring_view>{}(text.substr(text.size() - std::min<std::size_t>(text.size(), 16)));
+      return std::hash<std::wstring_view>{}(text.substr(text.size() - std::min<std::size_t>(text.size(), 8)));
     }
   };
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <memory_resource>
 #include <unordered_map>
 
 namespace host {
@@ -16,7 +17,8 @@ std::string no_command_at(std::int32_t index) {
 
 std::vector<FlowFault> check_flow(std::span<const FlowPoint> points) {
   std::vector<FlowFault> faults;
-  std::unordered_map<std::int32_t, std::size_t> owners;
+  std::pmr::monotonic_buffer_resource memory;
+  std::pmr::unordered_map<std::int32_t, std::size_t> owners(&memory);
   owners.reserve(points.size());
   std::int32_t last = -1;
   for (std::size_t i = 0; i < points.size(); ++i) {

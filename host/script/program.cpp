@@ -5,6 +5,11 @@
 
 namespace host {
 
+void Program::reserve(std::size_t count) {
+  steps_.reserve(count);
+  positions_.reserve(count);
+}
+
 bool Program::add(ProgramStep step) {
   if (!positions_.emplace(step.index, steps_.size()).second) return false;
   last_index_ = std::max(last_index_, step.index);

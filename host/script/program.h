@@ -24,6 +24,9 @@ struct ProgramStep {
 /// A loaded script: its commands in document order. Releases them when it goes.
 class Program {
  public:
+  /// Makes room for that many commands.
+  void reserve(std::size_t count);
+
   /// False, and `step` is dropped, where its index is taken.
   [[nodiscard]] bool add(ProgramStep step);
 

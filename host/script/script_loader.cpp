@@ -5,6 +5,7 @@
 #include <exception>
 #include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "host/script/command_rules.h"
@@ -21,6 +22,7 @@ namespace {
 
 using base::strings::format;
 using base::strings::to_utf8;
+using std::string_view_literals::operator""sv;
 
 std::string code_text(ports::Result code) {
   return format("0x%08X", static_cast<std::uint32_t>(code));
@@ -39,6 +41,7 @@ LoadedScript ScriptLoader::load(std::string_view utf8) {
     load_elements(commands);
     check_all_ways();
     if (!script_.faults.empty()) return std::move(script_);
+    script_.program.reserve(loaded_.size());
     for (ProgramStep& step : loaded_) (void)script_.program.add(std::move(step));
   }
   return std::move(script_);
@@ -175,10 +178,10 @@ bool ScriptLoader::check_attribute(const Kind& kind, ports::XmlNode* attribute, 
     return false;
   }
   const auto integer = [&value] { return base::strings::to_integer(base::strings::to_wide(value.plain).c_str()); };
-  if (name == L"target") point.target = integer();
-  if (name == L"index") written_.index = integer();
-  if (name == L"next") written_.next = integer();
-  if (name == L"execCondition") written_.condition = std::string(ky::int_prefix).append(value.plain);
+  if (name == L"target"sv) point.target = integer();
+  if (name == L"index"sv) written_.index = integer();
+  if (name == L"next"sv) written_.next = integer();
+  if (name == L"execCondition"sv) written_.condition = std::string(ky::int_prefix).append(value.plain);
   return true;
 }
 

@@ -94,6 +94,9 @@ std::int32_t CodePages::to_wide(std::uint32_t code_page, std::uint32_t flags, co
     errors_.set_last(error);
     return 0;
   }
+  if (utf8 && static_cast<std::size_t>(destination_length) >= text.size()) {
+    return static_cast<std::int32_t>(base::strings::to_wide(text, destination));
+  }
   return deliver(utf8 ? base::strings::to_wide(text) : from_1252(text), destination, destination_length, errors_);
 }
 

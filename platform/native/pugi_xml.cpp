@@ -1,6 +1,5 @@
 #include "platform/native/pugi_xml.h"
 
-#include <memory>
 #include <pugixml.hpp>
 #include <string>
 
@@ -8,12 +7,40 @@
 #include "platform/native/well_formed.h"
 #include "platform/ports/codes.h"
 
+namespace native {
+
+namespace {
+
+/// A document and the count of what keeps it. One thread at a time for one document, so that the count is a plain one.
+struct Document {
+  std::uint32_t references = 0;
+  pugi::xml_document xml;
+};
+
+class DocumentOwner {
+ public:
+  explicit DocumentOwner(Document& document) : document_(&document) { ++document_->references; }
+  DocumentOwner(const DocumentOwner& other) : DocumentOwner(*other.document_) {}
+  DocumentOwner& operator=(const DocumentOwner&) = delete;
+  ~DocumentOwner() {
+    if (--document_->references == 0) delete document_;
+  }
+  [[nodiscard]] pugi::xml_document& xml() const { return document_->xml; }
+
+ private:
+  Document* document_;
+};
+
+}  // namespace
+
+}  // namespace native
+
 namespace ports {
 
 /// An element, the document itself, or an attribute (then `node` is its element).
 struct XmlNode {
   std::uint32_t references = 1;
-  std::shared_ptr<pugi::xml_document> document;
+  native::DocumentOwner document;
   pugi::xml_node node;
   pugi::xml_attribute attribute;
 };
@@ -22,7 +49,7 @@ struct XmlNode {
 
 struct ky::AttributeMap {
   std::uint32_t references = 1;
-  std::shared_ptr<pugi::xml_document> document;
+  native::DocumentOwner document;
   pugi::xml_node element;
 };
 
@@ -85,9 +112,9 @@ Result PugiXml::parse(std::string_view utf8, XmlNode*& document, std::wstring& r
     reason = L"the text is not UTF-8";
     return code::nothing;
   }
-  auto parsed = std::make_shared<pugi::xml_document>();
+  const DocumentOwner parsed(*new Document);
   const pugi::xml_parse_result result =
-      parsed->load_buffer(utf8.data(), utf8.size(), pugi::parse_default, pugi::encoding_utf8);
+      parsed.xml().load_buffer(utf8.data(), utf8.size(), pugi::parse_default, pugi::encoding_utf8);
   if (!result) {
     reason = place_and_reason(utf8, static_cast<std::size_t>(result.offset), result.description());
     return code::nothing;
@@ -96,12 +123,12 @@ Result PugiXml::parse(std::string_view utf8, XmlNode*& document, std::wstring& r
     reason = place_and_reason(utf8, fault->offset, fault->what);
     return code::nothing;
   }
-  document = new XmlNode{1, parsed, *parsed, {}};
+  document = new XmlNode{1, parsed, parsed.xml(), {}};
   return code::ok;
 }
 
 Result PugiXml::root(XmlNode* document, XmlNode*& element) {
-  return hand_out(*document, document->document->document_element(), element);
+  return hand_out(*document, document->document.xml().document_element(), element);
 }
 
 Result PugiXml::first_element(XmlNode* parent, XmlNode*& element) {
@@ -152,7 +179,9 @@ Result PugiXml::named_item(ky::AttributeMap* map, const wchar_t* name, XmlNode*&
   return hand_out(*map, attribute, out);
 }
 
-void PugiXml::add_reference(ky::AttributeMap* map) { ++map->references; }
+void PugiXml::add_reference(ky::AttributeMap* map) {
+  ++map->references;
+}
 
 void PugiXml::release(ky::AttributeMap* map) {
   if (--map->references == 0) delete map;

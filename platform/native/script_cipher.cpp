@@ -14,14 +14,14 @@ namespace native {
 namespace {
 
 constexpr std::array<std::uint8_t, ports::ScriptCipher::block_size> zero_iv{};
-constexpr std::uint8_t no_digit = 0xFF;
-constexpr std::uint32_t wrong_digit = 0x80;  // the bit of `no_digit` that no digit's value has
+// Whatever the place in a group of four digits, one of its bits comes to stand above the group's 24.
+constexpr std::uint32_t no_digit = 1U << 24 | 1U << 18 | 1U << 12 | 1U << 6;
 
-constexpr std::array<std::uint8_t, 128> base64_values = [] {
-  std::array<std::uint8_t, 128> values{};
+constexpr std::array<std::uint32_t, 256> base64_values = [] {
+  std::array<std::uint32_t, 256> values{};
   values.fill(no_digit);
   constexpr char digits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-  for (std::uint8_t i = 0; i < 64; ++i) values[static_cast<std::size_t>(digits[i])] = i;
+  for (std::uint32_t i = 0; i < 64; ++i) values[static_cast<std::size_t>(digits[i])] = i;
   return values;
 }();
 
@@ -53,27 +53,24 @@ bool OpensslCipher::decode_base64(const wchar_t* text, std::uint32_t length, std
   if (needed > into.size()) return fail(ports::code::more_data);
   std::uint32_t seen = 0;
   std::uint32_t beyond = 0;
-  const auto value_of = [&seen, &beyond](wchar_t c) {
-    const auto unit = static_cast<std::uint32_t>(c);
-    beyond |= unit;
-    const std::uint32_t value = base64_values[unit % base64_values.size()];
-    seen |= value;
-    return value;
-  };
+  for (std::uint32_t i = 0; i < length; ++i) beyond |= static_cast<std::uint32_t>(text[i]);
+  const auto value_of = [](wchar_t c) { return base64_values[static_cast<std::uint8_t>(c)]; };
   std::uint32_t at = 0;
   std::uint8_t* to = into.data();
   for (; at + 4 <= length; at += 4) {
     const std::uint32_t bits =
         value_of(text[at]) << 18 | value_of(text[at + 1]) << 12 | value_of(text[at + 2]) << 6 | value_of(text[at + 3]);
+    seen |= bits;
     *to++ = static_cast<std::uint8_t>(bits >> 16);
     *to++ = static_cast<std::uint8_t>(bits >> 8);
     *to++ = static_cast<std::uint8_t>(bits);
   }
   std::uint32_t rest = 0;
   for (std::uint32_t shift = 18; at < length; ++at, shift -= 6) rest |= value_of(text[at]) << shift;
+  seen |= rest;
   if (length % 4 >= 2) *to++ = static_cast<std::uint8_t>(rest >> 16);
   if (length % 4 == 3) *to++ = static_cast<std::uint8_t>(rest >> 8);
-  if ((seen & wrong_digit) != 0 || beyond >= base64_values.size()) return fail(ports::code::invalid_data);
+  if (seen >> 24 != 0 || beyond >= base64_values.size()) return fail(ports::code::invalid_data);
   size = needed;
   return true;
 }

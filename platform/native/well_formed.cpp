@@ -33,8 +33,6 @@ constexpr Stops markup_or_reference("<&");
 constexpr Stops after_element_name(" \t\r\n/>");
 constexpr Stops after_attribute_name(" \t\r\n=");
 constexpr Stops quotes("\"'");
-constexpr Stops in_double_quotes("\"<&");
-constexpr Stops in_single_quotes("'<&");
 
 /// Goes over the text once. pugixml took it, so that every construct is known to end.
 class Scanner {
@@ -133,14 +131,12 @@ class Scanner {
       return fail(begin, "an attribute is given twice");
     names_.push_back(name);
     at_ = std::min(quotes.next(text_, at_), text_.size() - 1);
-    const Stops& stops = text_[at_++] == '"' ? in_double_quotes : in_single_quotes;
-    while (!fault_) {
-      at_ = stops.next(text_, at_);
-      if (at("<")) return fail(at_, "\"<\" in a value");
-      if (!at("&")) break;
-      reference();
-    }
-    ++at_;  // The closing quote.
+    const std::size_t end = std::min(text_.find(text_[at_], at_ + 1), text_.size());
+    const std::string_view value = text_.substr(0, end);
+    const std::size_t markup = std::min(value.find('<', at_), end);
+    for (at_ = value.find('&', at_); !fault_ && at_ < markup; at_ = value.find('&', at_)) reference();
+    if (markup < end) return fail(markup, "\"<\" in a value");
+    at_ = end + 1;  // Behind the closing quote.
   }
 
   const std::string_view text_;

@@ -1,6 +1,7 @@
 #include "installer/utils/base/strings/utf8.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -50,13 +51,25 @@ Decoded decode(std::string_view text, std::size_t at) {
   return {character, lead.length, true};
 }
 
-/// Where the ASCII that begins at `at` ends: mostly at the end of the text, and none of it needs decoding.
+/// Text is mostly ASCII, none of which needs decoding: it is taken by the block.
+using Block = std::array<unsigned char, 16>;
+
+/// False where not all of the block that begins at `at` is there and ASCII.
+bool ascii_block(std::string_view text, std::size_t at, Block& out) {
+  if (at + out.size() > text.size()) return false;
+  std::memcpy(out.data(), text.data() + at, out.size());
+  std::array<std::uint64_t, 2> halves{};
+  std::memcpy(halves.data(), out.data(), out.size());
+  return ((halves[0] | halves[1]) & 0x8080808080808080) == 0;
+}
+
+void widen(const Block& block, wchar_t* to) {
+  for (std::size_t i = 0; i < block.size(); ++i) to[i] = static_cast<wchar_t>(block[i]);
+}
+
+/// Where the ASCII that begins at `at` ends.
 std::size_t ascii_end(std::string_view text, std::size_t at) {
-  constexpr std::uint64_t high_bits = 0x8080808080808080;
-  for (std::uint64_t eight = 0; at + sizeof(eight) <= text.size(); at += sizeof(eight)) {
-    std::memcpy(&eight, text.data() + at, sizeof(eight));
-    if ((eight & high_bits) != 0) break;
-  }
+  for (Block block; ascii_block(text, at, block);) at += block.size();
   while (at < text.size() && static_cast<unsigned char>(text[at]) < 0x80) ++at;
   return at;
 }
@@ -99,10 +112,22 @@ std::wstring to_wide(std::string_view utf8) {
 }
 
 void to_wide(std::string_view utf8, std::wstring& out) {
-  out.resize(utf8.size());  // there are at most as many units as bytes
-  wchar_t* to = out.data();
+  out.resize(utf8.size());
+  out.resize(to_wide(utf8, out.data()));
+}
+
+std::size_t to_wide(std::string_view utf8, wchar_t* out) {
+  wchar_t* to = out;
   for (std::size_t at = 0; at < utf8.size();) {
-    for (const std::size_t end = ascii_end(utf8, at); at < end; ++at) *to++ = static_cast<wchar_t>(utf8[at]);
+    Block block;
+    for (; ascii_block(utf8, at, block); at += block.size(), to += block.size()) widen(block, to);
+    const std::size_t rest = utf8.size() - at;
+    if (rest < block.size() && block.size() <= utf8.size() && ascii_block(utf8, utf8.size() - block.size(), block)) {
+      // Some of the block stands there already, and stands there again: ASCII is one unit for each byte.
+      widen(block, to + rest - block.size());
+      return static_cast<std::size_t>(to + rest - out);
+    }
+    while (at < utf8.size() && static_cast<unsigned char>(utf8[at]) < 0x80) *to++ = static_cast<wchar_t>(utf8[at++]);
     if (at == utf8.size()) break;
     const Decoded next = decode(utf8, at);
     at += next.length;
@@ -114,7 +139,7 @@ void to_wide(std::string_view utf8, std::wstring& out) {
       *to++ = static_cast<wchar_t>(0xDC00 + (offset & 0x3FF));
     }
   }
-  out.resize(static_cast<std::size_t>(to - out.data()));
+  return static_cast<std::size_t>(to - out);
 }
 
 std::string to_utf8(std::wstring_view wide) {

@@ -12,6 +12,8 @@ namespace base::strings {
 [[nodiscard]] std::wstring to_wide(std::string_view utf8);
 /// The same into `out`, whose memory is used again.
 void to_wide(std::string_view utf8, std::wstring& out);
+/// The same to `out`, which has room for as many units as there are bytes; gives the count of units.
+[[nodiscard]] std::size_t to_wide(std::string_view utf8, wchar_t* out);
 
 /// UTF-8 of UTF-16 code units. An unpaired surrogate becomes U+FFFD.
 [[nodiscard]] std::string to_utf8(std::wstring_view wide);
