@@ -51,7 +51,10 @@ class Floor {
   int decipher(const char* value) {
     std::size_t length = 0;
     for (const char* from = value + 1; *from != '\0'; ++from) {
-      text_[length++] = static_cast<unsigned char>(*from == '-' ? '+' : *from == '_' ? '/' : *from == '.' ? '=' : *from);
+      text_[length++] = static_cast<unsigned char>(*from == '-'   ? '+'
+                                                   : *from == '_' ? '/'
+                                                   : *from == '.' ? '='
+                                                                  : *from);
     }
     int bytes = EVP_DecodeBlock(binary_.data(), text_.data(), static_cast<int>(length)) / 16 * 16;
     int written = 0;

@@ -14,8 +14,8 @@ struct DeletionRequest {
   std::wstring path;
 };
 
-/// Base of the commands that delete: tells reports what the last run was about, since nothing that is seen of the system
-/// shows a deletion whose parent is not even there.
+/// Base of the commands that delete: tells reports what the last run was about, since nothing that is seen of the
+/// system shows a deletion whose parent is not even there.
 class DeletingCommand : public ky::CInstallCommand {
  public:
   /// Nothing before a run, where the request was refused, and where it was for each user.

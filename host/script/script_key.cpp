@@ -39,7 +39,8 @@ std::string parse_script_key(std::string_view text, ScriptKey& out) {
 }
 
 std::string format_script_key(const ScriptKey& key) {
-  return std::string(script_key_begin) + '\n' + base::strings::encode_base64(key) + '\n' + std::string(script_key_end) + '\n';
+  return std::string(script_key_begin) + '\n' + base::strings::encode_base64(key) + '\n' + std::string(script_key_end) +
+         '\n';
 }
 
 }  // namespace host

@@ -36,8 +36,8 @@ class CInstallCommand : public CSelfFree {
   virtual void SetIndex(std::int32_t position);
 
   /// Slot 6. Reads the ciphered attributes. `*map` carries one reference, which the callee takes over and releases: the
-  /// way in which a counted smart pointer is passed by value. Gives 0, a failed read's HRESULT, or a Windows error code.
-  /// A null map leaves as `winapi::com_error` with E_POINTER.
+  /// way in which a counted smart pointer is passed by value. Gives 0, a failed read's HRESULT, or a Windows error
+  /// code. A null map leaves as `winapi::com_error` with E_POINTER.
   virtual std::uint32_t LoadCiphered(AttributeMap** map);
 
   /// Slot 7. Reads `index` and `next` alone, from plain decimal text. The reference goes as in `LoadCiphered`.

@@ -68,7 +68,8 @@ template <class Number>
   std::wstring text = text_units(value.bytes);
   if (text.empty() || text.back() != 0) return std::nullopt;
   text.pop_back();
-  const bool plain = text.find(L'\0') == std::wstring::npos && base::strings::is_utf16(text) && text_bytes(text) == value.bytes;
+  const bool plain =
+      text.find(L'\0') == std::wstring::npos && base::strings::is_utf16(text) && text_bytes(text) == value.bytes;
   return plain ? std::optional(text) : std::nullopt;
 }
 
@@ -164,7 +165,8 @@ void read_registry(const JsonNode& node, State& state) {
     for (const auto& [name, value] : values->object()) {
       const JsonNode item = values->child(name, value);
       if (name.find('\0') != std::string::npos) item.fail("a NUL cannot stand in a name");
-      if (!key.values.emplace(base::strings::to_wide(name), read_value(item)).second) item.fail("this value stands there twice");
+      if (!key.values.emplace(base::strings::to_wide(name), read_value(item)).second)
+        item.fail("this value stands there twice");
     }
   }
 }

@@ -22,9 +22,13 @@ class NativeEngines final : public Engines {
 
 }  // namespace
 
-std::unique_ptr<Engines> make_engines(Errors& errors) { return std::make_unique<NativeEngines>(errors); }
+std::unique_ptr<Engines> make_engines(Errors& errors) {
+  return std::make_unique<NativeEngines>(errors);
+}
 
 // This build knows no world but the machine.
-const System* real_system(Module) { return nullptr; }
+const System* real_system(Module) {
+  return nullptr;
+}
 
 }  // namespace ports

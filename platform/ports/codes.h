@@ -56,8 +56,8 @@ inline constexpr ErrorCode resource_data_not_found = 1812;
 inline constexpr ErrorCode resource_type_not_found = 1813;
 inline constexpr ErrorCode resource_name_not_found = 1814;
 inline constexpr ErrorCode not_a_reparse_point = 4390;
-inline constexpr ErrorCode bad_cipher_data = 0x80090005;   // NTE_BAD_DATA
-inline constexpr ErrorCode bad_cipher_key = 0x80090003;    // NTE_BAD_KEY
+inline constexpr ErrorCode bad_cipher_data = 0x80090005;  // NTE_BAD_DATA
+inline constexpr ErrorCode bad_cipher_key = 0x80090003;   // NTE_BAD_KEY
 
 inline constexpr Result ok = 0;
 inline constexpr Result nothing = 1;  // S_FALSE

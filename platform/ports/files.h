@@ -115,10 +115,10 @@ class Files {
   /// GetFileInformationByHandleEx, FileIdInfo. Also fails with invalid_parameter on a volume without identities.
   virtual bool identity(Handle file, FileIdentity& out) = 0;
 
-  /// GetFileInformationByHandleEx, FileIdBothDirectoryInfo, or with `restart` FileIdBothDirectoryRestartInfo: the next rows
-  /// of a folder that was opened with file_access::list_directory, as many as one call gives, in place of what `rows`
-  /// held. "." and ".." are rows like any other. False at the end with no_more_files; also access_denied (not opened for
-  /// listing), invalid_parameter (no folder).
+  /// GetFileInformationByHandleEx, FileIdBothDirectoryInfo, or with `restart` FileIdBothDirectoryRestartInfo: the next
+  /// rows of a folder that was opened with file_access::list_directory, as many as one call gives, in place of what
+  /// `rows` held. "." and ".." are rows like any other. False at the end with no_more_files; also access_denied (not
+  /// opened for listing), invalid_parameter (no folder).
   virtual bool list(Handle folder, bool restart, std::vector<FolderRow>& rows) = 0;
 
   /// SetFileInformationByHandle, FileDispositionInfo with the flag set: the file goes when its last handle is closed.

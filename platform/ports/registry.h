@@ -38,13 +38,13 @@ inline constexpr std::uint32_t open_link = 8;  // the link key itself
 
 enum class RegistryType : std::uint32_t {
   none = 0,
-  text = 1,           // REG_SZ
-  expandable = 2,     // REG_EXPAND_SZ
+  text = 1,        // REG_SZ
+  expandable = 2,  // REG_EXPAND_SZ
   binary = 3,
-  number = 4,         // REG_DWORD
+  number = 4,  // REG_DWORD
   link = 6,
-  text_list = 7,      // REG_MULTI_SZ
-  number64 = 11,      // REG_QWORD
+  text_list = 7,  // REG_MULTI_SZ
+  number64 = 11,  // REG_QWORD
 };
 
 /// A value's type and its bytes as the system keeps them: text in UTF-16 little-endian with its terminator.

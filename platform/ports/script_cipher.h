@@ -27,8 +27,8 @@ class ScriptCipher {
   virtual bool decode_base64(const wchar_t* text, std::uint32_t length, std::span<std::uint8_t> into,
                              std::uint32_t& size) = 0;
 
-  /// CryptDecrypt, final, in place: `size` bytes in, plain bytes out. Fails with bad_cipher_data (not whole blocks, none
-  /// at all, wrong padding), bad_cipher_key. One thread at a time for one key.
+  /// CryptDecrypt, final, in place: `size` bytes in, plain bytes out. Fails with bad_cipher_data (not whole blocks,
+  /// none at all, wrong padding), bad_cipher_key. One thread at a time for one key.
   virtual bool decrypt(std::uintptr_t key, std::uint8_t* bytes, std::uint32_t& size) = 0;
 
   /// CryptEncrypt, final: the whole blocks of `plain`; empty on failure.

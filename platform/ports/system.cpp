@@ -9,9 +9,13 @@ namespace {
 constinit const System* bound = nullptr;
 }  // namespace
 
-void bind(const System& system) { bound = &system; }
+void bind(const System& system) {
+  bound = &system;
+}
 
-void unbind() { bound = nullptr; }
+void unbind() {
+  bound = nullptr;
+}
 
 const System& system() {
   if (bound == nullptr) std::abort();

@@ -17,6 +17,8 @@ enum class Module : std::uintptr_t { null = 0 };
 /// Waits and sleeps: milliseconds without end.
 inline constexpr std::uint32_t infinite = 0xFFFFFFFF;
 
-[[nodiscard]] constexpr bool succeeded(Result result) { return result >= 0; }
+[[nodiscard]] constexpr bool succeeded(Result result) {
+  return result >= 0;
+}
 
 }  // namespace ports

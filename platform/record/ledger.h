@@ -18,8 +18,8 @@
 namespace record {
 
 /// The book of a recorder: what was touched and how it stood before, what was done, and which path an open handle
-/// means. Any thread; its lock is never held while it looks at the system. Nothing here touches the thread's last error,
-/// which taking a lock does on Windows.
+/// means. Any thread; its lock is never held while it looks at the system. Nothing here touches the thread's last
+/// error, which taking a lock does on Windows.
 class Ledger {
  public:
   /// What an entry is about. A file's content is watched apart from the file: reading it is dear and seldom needed.

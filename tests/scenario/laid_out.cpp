@@ -34,7 +34,7 @@ void each_row(const ports::System& world, const std::wstring& folder,
 
 /// Creates the folder and those above it.
 void make_folders(const ports::System& world, const std::wstring& folder) {
-  for (std::size_t at = folder.find(L'\\', 3); ; at = folder.find(L'\\', at + 1)) {
+  for (std::size_t at = folder.find(L'\\', 3);; at = folder.find(L'\\', at + 1)) {
     static_cast<void>(world.files.create_folder(folder.substr(0, at).c_str()));
     if (at == std::wstring::npos) return;
   }
@@ -43,8 +43,8 @@ void make_folders(const ports::System& world, const std::wstring& folder) {
 class OpenKey {
  public:
   OpenKey(const ports::System& world, ports::RegistryKey parent, const std::wstring& name) : registry_(world.registry) {
-    open_ = registry_.open(parent, name.c_str(), ports::registry_option::open_link, ports::registry_access::read, key_) ==
-            ports::code::success;
+    open_ = registry_.open(parent, name.c_str(), ports::registry_option::open_link, ports::registry_access::read,
+                           key_) == ports::code::success;
   }
   ~OpenKey() {
     if (open_) registry_.close(key_);

@@ -17,8 +17,8 @@ struct KeyRoot {
 };
 
 /// Full names of everything below a folder or key, itself included: folders and keys end in a backslash, values follow
-/// their key behind a colon. In lower case, since worlds differ in the case of what they had before. Links are named and
-/// not entered.
+/// their key behind a colon. In lower case, since worlds differ in the case of what they had before. Links are named
+/// and not entered.
 [[nodiscard]] std::set<std::wstring> list_folder(const ports::System& world, const std::wstring& folder);
 [[nodiscard]] std::set<std::wstring> list_key(const ports::System& world, const KeyRoot& key);
 

@@ -6,7 +6,9 @@
 
 namespace scenario {
 
-std::string desk_path(const std::string& path) { return path; }
+std::string desk_path(const std::string& path) {
+  return path;
+}
 
 int run_program(const std::string& program, const std::vector<std::string>& arguments) {
   std::string line = "'" + program + "'";

@@ -20,7 +20,8 @@ int run_program(const std::string& program, const std::vector<std::string>& argu
   for (const std::string& argument : arguments) line += " \"" + argument + "\"";
   const ports::System& world = *ports::real_system(ports::Module::null);
   ports::CreatedProcess created;
-  if (!world.processes.create(base::strings::to_wide(line).c_str(), nullptr, ports::creation_flag::no_window, created)) {
+  if (!world.processes.create(base::strings::to_wide(line).c_str(), nullptr, ports::creation_flag::no_window,
+                              created)) {
     return -1;
   }
   constexpr std::uint32_t limit = 100'000;

@@ -19,9 +19,13 @@
 namespace scenario {
 namespace {
 
-const ports::System& real() { return *ports::real_system(ports::Module::null); }
+const ports::System& real() {
+  return *ports::real_system(ports::Module::null);
+}
 
-std::string source_path(const std::string& path) { return desk_path(std::string(KY_SOURCE_FOLDER) + "/" + path); }
+std::string source_path(const std::string& path) {
+  return desk_path(std::string(KY_SOURCE_FOLDER) + "/" + path);
+}
 
 picojson::value parse(const std::string& text) {
   picojson::value document;
@@ -30,8 +34,8 @@ picojson::value parse(const std::string& text) {
   return document;
 }
 
-/// The document of a machine that a real prefix can be laid out like: nobody holds a file, and there are no links, which
-/// Wine does not make.
+/// The document of a machine that a real prefix can be laid out like: nobody holds a file, and there are no links,
+/// which Wine does not make.
 std::string alike(const std::string& file) {
   picojson::value document = parse(read_text(source_path("samples/machines/" + file)));
   picojson::array& files = document.get<picojson::object>()["files"].get<picojson::array>();
@@ -72,9 +76,9 @@ TEST_P(RealRuns, GiveTheCommandsAndGlobalsOfTheRehearsal) {
   copy_folder(workshop.system, real(), L"C:\\KySample");
   copy_key(workshop.system, real(), {ports::RegistryKey::local_machine, L"HKEY_LOCAL_MACHINE", L"SOFTWARE\\KySample"});
   const std::string out = output_folder("run-" + sample.name);
-  const int code = run_program(desk_path(KY_PROGRAM), {"run", "--script",
-                                                       source_path("samples/scripts/" + sample.script + ".xml"), "--key",
-                                                       source_path("keys/development/log-private.pem"), "--out", out});
+  const int code =
+      run_program(desk_path(KY_PROGRAM), {"run", "--script", source_path("samples/scripts/" + sample.script + ".xml"),
+                                          "--key", source_path("keys/development/log-private.pem"), "--out", out});
   EXPECT_EQ(code == 0, sample.exit_code == 0) << code;
   const picojson::value run = parse(read_text(desk::join(out, "result.json")));
   const picojson::value rehearsal = parse(read_text(source_path("tests/golden/results/" + sample.name + ".json")));
@@ -93,11 +97,12 @@ std::vector<Sample> runnable() {
   return out;
 }
 
-INSTANTIATE_TEST_SUITE_P(Each, RealRuns, testing::ValuesIn(runnable()), [](const testing::TestParamInfo<Sample>& sample) {
-  std::string name = sample.param.name;
-  std::replace(name.begin(), name.end(), '-', '_');
-  return name;
-});
+INSTANTIATE_TEST_SUITE_P(Each, RealRuns, testing::ValuesIn(runnable()),
+                         [](const testing::TestParamInfo<Sample>& sample) {
+                           std::string name = sample.param.name;
+                           std::replace(name.begin(), name.end(), '-', '_');
+                           return name;
+                         });
 
 const std::vector<std::wstring> folders = {L"C:\\Program Files", L"C:\\Program Files (x86)", L"C:\\ProgramData",
                                            L"C:\\Users\\Public", L"C:\\Users\\anna"};

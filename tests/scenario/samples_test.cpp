@@ -11,7 +11,9 @@ namespace scenario {
 
 namespace {
 
-std::string source_path(const std::string& path) { return desk_path(std::string(KY_SOURCE_FOLDER) + "/" + path); }
+std::string source_path(const std::string& path) {
+  return desk_path(std::string(KY_SOURCE_FOLDER) + "/" + path);
+}
 
 int rehearse(const std::string& machine, const std::string& script, const std::string& out) {
   std::vector<std::string> arguments = {"rehearse", "--machine", machine, "--out", out};

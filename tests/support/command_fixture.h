@@ -9,6 +9,8 @@
 
 #include "host/session.h"
 #include "installer/desktop/module/library.h"
+#include "installer/utils/base/strings/format.h"
+#include "installer/utils/base/strings/utf8.h"
 #include "ky/keys.h"
 #include "ky/logger_api.h"
 #include "platform/machine/machine.h"
@@ -16,8 +18,6 @@
 #include "platform/ports/files.h"
 #include "platform/ports/threads.h"
 #include "platform/ports/xml.h"
-#include "installer/utils/base/strings/format.h"
-#include "installer/utils/base/strings/utf8.h"
 #include "tools/ky/script/text_cipher.h"
 
 /// A log that keeps its records.
@@ -36,8 +36,8 @@ class KeptLog final : public ky::Destroyable<KeptLog, ky::ILoggerApi> {
   std::vector<std::wstring>& lines_;
 };
 
-/// One command on a bare machine: a store with the host's keys, a log, and the command's attributes enciphered as a script
-/// has them.
+/// One command on a bare machine: a store with the host's keys, a log, and the command's attributes enciphered as a
+/// script has them.
 class CommandFixture : public ::testing::Test {
  protected:
   using Attributes = std::vector<std::pair<std::string, std::string>>;

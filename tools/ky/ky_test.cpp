@@ -75,7 +75,8 @@ TEST_F(Ky, ARefusedRehearsalHasRunAndWrittenNothing) {
   const std::string machine = folder_ / "m.json";
   ASSERT_EQ(desk::write_file(machine, R"({"format": "ky-machine", "version": 1})"), "");
   const std::string script = folder_ / "s.xml";
-  ASSERT_EQ(desk::write_file(script, R"(<install version="1.0"><commands><Jump target="7"/></commands></install>)"), "");
+  ASSERT_EQ(desk::write_file(script, R"(<install version="1.0"><commands><Jump target="7"/></commands></install>)"),
+            "");
   const std::string cut = folder_ / "cut.json";
   ASSERT_EQ(desk::write_file(cut, R"({"format": "ky-machine")"), "");
   const std::string foreign = folder_ / "foreign.json";

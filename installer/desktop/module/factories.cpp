@@ -6,7 +6,9 @@
 #include "installer/desktop/commands/flow/jumpcommand.h"
 #include "installer/desktop/commands/flow/nopcommand.h"
 
-#define KY_DEFINE_FACTORY(stem, command) \
-  ky::CInstallCommand* GetC##stem##Command() { return new ky::command(); }
+#define KY_DEFINE_FACTORY(stem, command)       \
+  ky::CInstallCommand* GetC##stem##Command() { \
+    return new ky::command();                  \
+  }
 KY_FACTORIES(KY_DEFINE_FACTORY)
 #undef KY_DEFINE_FACTORY

@@ -15,7 +15,9 @@ constexpr NamedFactory table[] = {
 
 }  // namespace
 
-std::span<const NamedFactory> factories() { return table; }
+std::span<const NamedFactory> factories() {
+  return table;
+}
 
 bool attach(ports::Modules& modules) {
   const ports::Module host = modules.main();

@@ -11,8 +11,8 @@ namespace ky::library {
 /// All exported factories, in the order of their stems.
 [[nodiscard]] std::span<const NamedFactory> factories();
 
-/// Binds the host's `Get` and `Put`, found by name in the process's main module. False when either is missing: the library
-/// then refuses to load.
+/// Binds the host's `Get` and `Put`, found by name in the process's main module. False when either is missing: the
+/// library then refuses to load.
 [[nodiscard]] bool attach(ports::Modules& modules);
 
 }  // namespace ky::library

@@ -18,12 +18,16 @@ const WinErrorCategory category{};
 
 }  // namespace
 
-const std::error_category& details::win_error_category() noexcept { return category; }
+const std::error_category& details::win_error_category() noexcept {
+  return category;
+}
 
 void raise(ports::ErrorCode code, const char* what) {
   throw std::system_error(static_cast<int>(code), category, what);
 }
 
-void raise_last_error(const char* what) { raise(ports::system().errors.last(), what); }
+void raise_last_error(const char* what) {
+  raise(ports::system().errors.last(), what);
+}
 
 }  // namespace winapi

@@ -24,6 +24,8 @@ void stop_null_value(const wchar_t* place, const std::wstring& detail) {
   stop(ports::StopKind::null_value, place, detail);
 }
 
-void stop_assertion(const wchar_t* expression) { stop(ports::StopKind::assertion, L"assertion", expression); }
+void stop_assertion(const wchar_t* expression) {
+  stop(ports::StopKind::assertion, L"assertion", expression);
+}
 
 }  // namespace base

@@ -10,9 +10,8 @@ namespace rehearsal {
 namespace {
 
 const char* const given_by_the_place[] = {
-    ky::keys::String_CommandLine.name,     ky::keys::String_ParrentCommandLine.name,
-    ky::keys::String_SystemPath.name,      ky::keys::String_WindowsPath.name,
-    ky::keys::String_ProgramFilesPath.name, ky::keys::String_ApplicationPath.name,
+    ky::keys::String_CommandLine.name, ky::keys::String_ParrentCommandLine.name, ky::keys::String_SystemPath.name,
+    ky::keys::String_WindowsPath.name, ky::keys::String_ProgramFilesPath.name,   ky::keys::String_ApplicationPath.name,
 };
 
 }  // namespace

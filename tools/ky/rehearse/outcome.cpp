@@ -11,9 +11,12 @@ Fate fate_of(const record::Deletion& deletion) {
 
 const char* to_text(Fate fate) {
   switch (fate) {
-    case Fate::removed: return "removed";
-    case Fate::absent: return "absent";
-    case Fate::remains: return "remains";
+    case Fate::removed:
+      return "removed";
+    case Fate::absent:
+      return "absent";
+    case Fate::remains:
+      return "remains";
   }
   return "";
 }

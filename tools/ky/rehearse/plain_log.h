@@ -10,8 +10,8 @@
 
 namespace rehearsal {
 
-/// The run's log in clear text, for a desk: each record stamped "[hh:mm:ss:mmm] " and handed on as UTF-8. Any thread; the
-/// records of all threads go to the one sink, in the order of their writing.
+/// The run's log in clear text, for a desk: each record stamped "[hh:mm:ss:mmm] " and handed on as UTF-8. Any thread;
+/// the records of all threads go to the one sink, in the order of their writing.
 class PlainLog final : public ky::Destroyable<PlainLog, ky::ILoggerApi> {
  public:
   /// Takes one record with its line end. Called by one thread at a time.

@@ -9,8 +9,8 @@
 
 namespace rehearsal {
 
-/// Collects what a run leaves for the desk, and writes it at the end: in the ordinary way, or in the moment in which the
-/// process stops.
+/// Collects what a run leaves for the desk, and writes it at the end: in the ordinary way, or in the moment in which
+/// the process stops.
 class Report {
  public:
   /// `title` heads the summary on `out`; failures to write go to `err`.

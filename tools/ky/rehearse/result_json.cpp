@@ -16,9 +16,13 @@ using picojson::value;
 
 constexpr std::int64_t format_version = 1;
 
-value number(std::int64_t n) { return value(n); }
+value number(std::int64_t n) {
+  return value(n);
+}
 
-value text_or_null(const std::optional<std::wstring>& text) { return text ? value(to_utf8(*text)) : value(); }
+value text_or_null(const std::optional<std::wstring>& text) {
+  return text ? value(to_utf8(*text)) : value();
+}
 
 template <class Items, class ToValue>
 value list(const Items& items, ToValue to_value) {
@@ -70,8 +74,8 @@ value from_globals(const std::map<std::string, GlobalValue>& globals) {
 
 value from_stop(const std::optional<Stop>& stop) {
   if (!stop) return value();
-  return value(object{
-      {"index", number(stop->index)}, {"command", value(stop->command)}, {"reason", value(stop->reason)}});
+  return value(
+      object{{"index", number(stop->index)}, {"command", value(stop->command)}, {"reason", value(stop->reason)}});
 }
 
 }  // namespace

@@ -34,10 +34,14 @@ std::map<std::string, GlobalValue> globals_of(const host::Store& store) {
 
 std::string describe_end(const host::RunResult& result) {
   switch (result.end) {
-    case host::RunEnd::finished: return {};
-    case host::RunEnd::stopped: return "a command failed and set int_ReturnCode";
-    case host::RunEnd::exception: return "an exception left the command: " + result.reason;
-    case host::RunEnd::lost: return result.reason;
+    case host::RunEnd::finished:
+      return {};
+    case host::RunEnd::stopped:
+      return "a command failed and set int_ReturnCode";
+    case host::RunEnd::exception:
+      return "an exception left the command: " + result.reason;
+    case host::RunEnd::lost:
+      return result.reason;
   }
   return {};
 }

@@ -10,9 +10,9 @@ namespace rehearsal {
 
 /// What the summary's head and foot say besides the outcome.
 struct SummaryFrame {
-  std::string title;                // such as "Rehearsal of samples/scripts/a.xml on suite.json"
-  std::string folder;               // where the files lie, empty where none were written
-  std::vector<std::string> files;   // their names in it
+  std::string title;               // such as "Rehearsal of samples/scripts/a.xml on suite.json"
+  std::string folder;              // where the files lie, empty where none were written
+  std::vector<std::string> files;  // their names in it
 };
 
 /// The run at a glance: commands run and skipped, changes by kind, each deletion and whether the thing was there, the

@@ -12,9 +12,13 @@ void BindStore(GetFunction get, PutFunction put) {
   bound_put = put;
 }
 
-std::uint64_t GetStored(const char* key) { return bound_get(key); }
+std::uint64_t GetStored(const char* key) {
+  return bound_get(key);
+}
 
-void PutStored(const char* key, std::uint64_t value) { bound_put(key, value); }
+void PutStored(const char* key, std::uint64_t value) {
+  bound_put(key, value);
+}
 
 std::string NarrowedByUnit(std::wstring_view name) {
   std::string out;

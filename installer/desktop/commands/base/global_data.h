@@ -9,8 +9,8 @@
 /// The commands' way to the host's store, typed by key: a read with the wrong type does not compile.
 namespace ky {
 
-/// Binds the host's two functions; nothing of the library runs before that. They stay for the life of the module, but in
-/// a rehearsal or test another store may be bound when nothing of the library is alive.
+/// Binds the host's two functions; nothing of the library runs before that. They stay for the life of the module, but
+/// in a rehearsal or test another store may be bound when nothing of the library is alive.
 void BindStore(GetFunction get, PutFunction put);
 
 [[nodiscard]] std::uint64_t GetStored(const char* key);

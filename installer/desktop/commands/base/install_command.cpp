@@ -19,9 +19,13 @@ namespace ky {
 CInstallCommand::CInstallCommand() = default;
 CInstallCommand::~CInstallCommand() = default;
 
-std::int32_t CInstallCommand::GetIndex() { return index; }
+std::int32_t CInstallCommand::GetIndex() {
+  return index;
+}
 
-void CInstallCommand::SetIndex(std::int32_t position) { index = position; }
+void CInstallCommand::SetIndex(std::int32_t position) {
+  index = position;
+}
 
 std::int32_t CInstallCommand::GetNextIndex() {
   if (!executed) Trace(L"[InstallCommand] Warning: GetNextIndex called before Execute\n");

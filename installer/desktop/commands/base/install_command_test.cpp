@@ -104,7 +104,9 @@ TEST_F(InstallCommand, EveryGuardedCommandTellsTheSecondThreadInItsOwnWords) {
   } rows[] = {
       {"Nop", {}, L"5: Nop Error: Multiple threads attempting execution.\n"},
       {"Jump", {{"condition", "a"}, {"target", "1"}}, L"5: Jump Error: Multiple threads attempting execution.\n"},
-      {"PathExists", {{"path", "a"}, {"variable", "b"}}, L"5: PathExists Error: Multiple threads attempting execution.\n"},
+      {"PathExists",
+       {{"path", "a"}, {"variable", "b"}},
+       L"5: PathExists Error: Multiple threads attempting execution.\n"},
       {"LoadFilesFromResources", {}, L"5: LoadFilesFromResources Error: Multiple threads attempting execution.\n"},
   };
   for (const auto& row : rows) {
@@ -189,10 +191,13 @@ using InstallCommandDeathTest = CommandFixture;
 TEST_F(InstallCommandDeathTest, AValueThatDoesNotFitOrDecipherStopsTheProcess) {
   GTEST_FLAG_SET(death_test_style, "fast");
   Decrypter& decrypter = HostDecrypter();
-  EXPECT_EXIT(static_cast<void>(DecipherValue(decrypter, (L"_" + std::wstring(512, L'A')).c_str())),
-              [](int status) { return status != 0; }, "");
-  EXPECT_EXIT(static_cast<void>(DecipherValue(decrypter, L"")), [](int status) { return status != 0; }, "");
-  EXPECT_EXIT(static_cast<void>(DecipherOrStop(decrypter, L"_AAAA")), [](int status) { return status != 0; }, "");
+  EXPECT_EXIT(
+      static_cast<void>(DecipherValue(decrypter, (L"_" + std::wstring(512, L'A')).c_str())),
+      [](int status) { return status != 0; }, "");
+  EXPECT_EXIT(
+      static_cast<void>(DecipherValue(decrypter, L"")), [](int status) { return status != 0; }, "");
+  EXPECT_EXIT(
+      static_cast<void>(DecipherOrStop(decrypter, L"_AAAA")), [](int status) { return status != 0; }, "");
 }
 
 }  // namespace

@@ -8,9 +8,9 @@
 
 namespace ky {
 
-/// The standard shape of `Execute`: the command's guard, the three trace lines with `name`, `executed` and the next index around
-/// `work()`, whose 32-bit result becomes the command's. 1359 when another thread is inside. A command that departs from
-/// it does not call it, and says so in its own code.
+/// The standard shape of `Execute`: the command's guard, the three trace lines with `name`, `executed` and the next
+/// index around `work()`, whose 32-bit result becomes the command's. 1359 when another thread is inside. A command that
+/// departs from it does not call it, and says so in its own code.
 template <class Work>
 [[nodiscard]] std::uint32_t InStandardShape(CInstallCommand& command, CommandGuard& guard, const wchar_t* name,
                                             Work&& work) {

@@ -29,10 +29,16 @@ LogStream& LogStream::operator<<(std::wstring_view text) {
   return *this;
 }
 
-LogStream& LogStream::operator<<(std::int32_t number) { return *this << std::to_wstring(number); }
+LogStream& LogStream::operator<<(std::int32_t number) {
+  return *this << std::to_wstring(number);
+}
 
-LogStream& LogStream::operator<<(std::uint32_t number) { return *this << std::to_wstring(number); }
+LogStream& LogStream::operator<<(std::uint32_t number) {
+  return *this << std::to_wstring(number);
+}
 
-LogStream& LogStream::operator<<(bool value) { return *this << std::wstring_view(value ? L"true" : L"false"); }
+LogStream& LogStream::operator<<(bool value) {
+  return *this << std::wstring_view(value ? L"true" : L"false");
+}
 
 }  // namespace ky

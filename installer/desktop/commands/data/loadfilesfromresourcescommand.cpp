@@ -45,8 +45,8 @@ std::uint32_t CLoadFilesFromResourcesCommand::Execute(std::uintptr_t, std::uintp
 }
 
 void CLoadFilesFromResourcesCommand::LoadAll() const {
-  const bool all =
-      std::all_of(resources.begin(), resources.end(), [this](const auto& pair) { return LoadOne(pair.first, pair.second); });
+  const bool all = std::all_of(resources.begin(), resources.end(),
+                               [this](const auto& pair) { return LoadOne(pair.first, pair.second); });
   if (all || error.empty()) return;
   Put(IntKey(NarrowedByUnit(error)), static_cast<std::int32_t>(ports::code::internal_error));
 }

@@ -14,7 +14,8 @@ namespace ky {
 ///
 /// Attributes: resourceID<n> (integer), outResource<n> (name), for any n from 1 on, gaps allowed; error (name)
 /// Keys read: none
-/// Keys written: String_ of each outResource<n>, whose old value is deliberately not released; int_ of error, 1359, at the
+/// Keys written: String_ of each outResource<n>, whose old value is deliberately not released; int_ of error, 1359, at
+/// the
 ///   first resource that holds no document, where it stops
 /// Results: 0, also after such a stop; 1359 when another thread is inside
 class CLoadFilesFromResourcesCommand final : public Destroyable<CLoadFilesFromResourcesCommand, CInstallCommand> {

@@ -15,9 +15,14 @@ TEST_F(LoadFilesFromResources, CopiesDocumentsAndStopsAtTheFirstThatIsNone) {
   add(1, "\xEF\xBB\xBF<a>\xC3\xA9</a>\r\n\0junk");
   add(2, "no brackets");
   add(3, "<c/>");
-  const auto command = run("LoadFilesFromResources",
-                           {{"resourceID1", "0x1"}, {"outResource1", "One"}, {"resourceID2", "2"}, {"outResource2", "Two"},
-                            {"resourceID4", "3"}, {"outResource4", "Four"}, {"error", "Err"}, {"next", "9"}});
+  const auto command = run("LoadFilesFromResources", {{"resourceID1", "0x1"},
+                                                      {"outResource1", "One"},
+                                                      {"resourceID2", "2"},
+                                                      {"outResource2", "Two"},
+                                                      {"resourceID4", "3"},
+                                                      {"outResource4", "Four"},
+                                                      {"error", "Err"},
+                                                      {"next", "9"}});
   EXPECT_STREQ(get_text("One"), L"<a>\u00E9</a>");
   EXPECT_EQ(get_text("Two"), nullptr);
   EXPECT_EQ(get_text("Four"), nullptr);

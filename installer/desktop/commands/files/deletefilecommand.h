@@ -5,11 +5,11 @@
 
 namespace ky {
 
-/// Deletes one file; if told to, moves one that cannot go now to the temporary folder and books its deletion at the next
-/// start.
+/// Deletes one file; if told to, moves one that cannot go now to the temporary folder and books its deletion at the
+/// next start.
 ///
-/// Deliberately outside the standard shape: it takes no guard, does not set `executed` and traces neither begin nor end.
-/// `GetNextIndex` therefore warns after each run, and readers of the log know the command by it.
+/// Deliberately outside the standard shape: it takes no guard, does not set `executed` and traces neither begin nor
+/// end. `GetNextIndex` therefore warns after each run, and readers of the log know the command by it.
 ///
 /// Attributes: pathFile (path, required, expanded at each run), renameFile (1 to move and book)
 /// Keys read: the variables in pathFile

@@ -37,8 +37,9 @@ TEST_F(DeleteFile, DeletesAReadOnlyFileAndLogsWithoutTheUsualFrame) {
   const auto command = run("DeleteFile", {{"pathFile", "[Folder]a.txt"}});
   EXPECT_FALSE(system.files.exists(L"C:\\Work\\a.txt"));
   EXPECT_FALSE(command->executed);
-  EXPECT_EQ(log, (std::vector<std::wstring>{L"Executing DeleteFile command\n", L"Rough path file: [Folder]a.txt\n",
-                                            L"Preparing to delete file C:\\Work\\a.txt \n", L"Finished delete file\n"}));
+  EXPECT_EQ(log,
+            (std::vector<std::wstring>{L"Executing DeleteFile command\n", L"Rough path file: [Folder]a.txt\n",
+                                       L"Preparing to delete file C:\\Work\\a.txt \n", L"Finished delete file\n"}));
   EXPECT_EQ(command->GetNextIndex(), 6);
   EXPECT_EQ(log.back(), L"[InstallCommand] Warning: GetNextIndex called before Execute\n");
 }
@@ -72,7 +73,8 @@ TEST_F(DeleteFile, AHeldFileIsMovedAsideAndBookedOnlyWhenToldTo) {
     log.clear();
     make_file(L"C:\\Work\\held.txt");
     // Others may rename it, but its deletion has to wait for the handle.
-    const ports::Handle holder = open(L"C:\\Work\\held.txt", ports::Disposition::open_existing, ports::file_share::read);
+    const ports::Handle holder =
+        open(L"C:\\Work\\held.txt", ports::Disposition::open_existing, ports::file_share::read);
     Attributes attributes = {{"pathFile", "[Folder]held.txt"}};
     if (row.rename != nullptr) attributes.emplace_back("renameFile", row.rename);
     run("DeleteFile", attributes);

@@ -11,8 +11,8 @@ class Decrypter;
 /// The script's branch: compares a variable with a value and writes the outcome into `next`.
 ///
 /// Attributes: condition (name, required), target (index, required), value (integer; a name with expValue),
-///   expValue (flag), strValue (text, expanded at each run), compareCase (flag, default 1), next (index to go to when the
-///   test is false, else the following one)
+///   expValue (flag), strValue (text, expanded at each run), compareCase (flag, default 1), next (index to go to when
+///   the test is false, else the following one)
 /// Keys read: int_ or String_ of condition, int_ of value with expValue
 /// Keys written: none
 /// Results: always 0; 1359 when another thread is inside. A load gives 1 where condition or target is missing.

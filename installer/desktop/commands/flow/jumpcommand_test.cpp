@@ -30,7 +30,8 @@ TEST_F(Jump, EveryTestHasItsOutcomeAndItsLine) {
       {{{"condition", "Text"}, {"strValue", "Abc"}}, 90, L"5: Jump: ('Abc') == ('Abc'). True => 90.\n"},
       {{{"condition", "Text"}, {"strValue", "[Other]"}}, 90, L"5: Jump: ('Abc') == ('Abc'). True => 90.\n"},
       {{{"condition", "Text"}, {"strValue", "aBC"}}, 6, L"5: Jump: ('Abc') == ('aBC'). False => 6.\n"},
-      {{{"condition", "Text"}, {"strValue", "aBC"}, {"compareCase", "0"}}, 90,
+      {{{"condition", "Text"}, {"strValue", "aBC"}, {"compareCase", "0"}},
+       90,
        L"5: Jump: ('Abc') == ('aBC'). True => 90.\n"},
       {{{"condition", "None"}, {"strValue", "Abc"}}, 6, L"5: Jump: ('(null)') == ('Abc'). False => 6.\n"},
       {{{"condition", "None"}, {"strValue", "[None]"}}, 6, L"5: Jump: ('(null)') == ('(null)'). False => 6.\n"},
@@ -73,7 +74,8 @@ TEST_F(Jump, TheExpandedTextIsKeptForTheNextRunAndTheNamedIntegerIsReadAnew) {
 TEST_F(Jump, AnUndefinedVariableToCompareWithStopsTheProcess) {
   put("Text", L"Abc");
   const Loaded loaded = load("Jump", {{"condition", "Text"}, {"strValue", "[None]"}, {"target", "1"}});
-  EXPECT_EXIT(static_cast<void>(loaded.command->Execute(0, 0)), [](int status) { return status != 0; }, "");
+  EXPECT_EXIT(
+      static_cast<void>(loaded.command->Execute(0, 0)), [](int status) { return status != 0; }, "");
 }
 
 }  // namespace

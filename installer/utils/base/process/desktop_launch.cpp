@@ -32,8 +32,8 @@ bool ShellExecuteAsDesktopUser(const std::wstring& file, const std::wstring& arg
   if (!apartment.entered()) return false;
   ports::DesktopShell desktop = ports::DesktopShell::null;
   if (!ports::succeeded(processes.find_desktop(desktop)) || desktop == ports::DesktopShell::null) return false;
-  const ports::Result result = processes.execute_on_desktop(desktop, file.c_str(), arguments.c_str(),
-                                                            directory.c_str(), operation.c_str());
+  const ports::Result result =
+      processes.execute_on_desktop(desktop, file.c_str(), arguments.c_str(), directory.c_str(), operation.c_str());
   processes.release_desktop(desktop);
   return ports::succeeded(result);
 }

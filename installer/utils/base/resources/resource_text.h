@@ -7,8 +7,8 @@
 
 namespace ky::res {
 
-/// What lies between the first "<" and the last ">" of a document's bytes, both included: a byte order mark in front and
-/// stray bytes behind are dropped. Nothing where there is no such stretch.
+/// What lies between the first "<" and the last ">" of a document's bytes, both included: a byte order mark in front
+/// and stray bytes behind are dropped. Nothing where there is no such stretch.
 [[nodiscard]] std::optional<std::string_view> document_part(std::string_view bytes);
 
 /// The text of resource `id` of type "XML" in this system's own module, or nothing: where it is missing, holds no

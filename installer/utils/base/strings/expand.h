@@ -6,10 +6,10 @@
 
 namespace base::strings {
 
-/// Replaces each "[Name]" in `text` by what `value_of(name)` gives, a null-terminated wide string or null where the name
-/// is undefined. A value may hold "[Name]" forms itself; one that names itself does not end, so `step()` is called before
-/// each replacement. An empty "[]" ends the expansion: what follows stays as it is.
-/// False where a name is undefined; `text` is then half expanded.
+/// Replaces each "[Name]" in `text` by what `value_of(name)` gives, a null-terminated wide string or null where the
+/// name is undefined. A value may hold "[Name]" forms itself; one that names itself does not end, so `step()` is called
+/// before each replacement. An empty "[]" ends the expansion: what follows stays as it is. False where a name is
+/// undefined; `text` is then half expanded.
 template <class ValueOf, class Step>
 [[nodiscard]] bool expand_in_place(std::wstring& text, ValueOf&& value_of, Step&& step) {
   // What lies before the first bracket never changes again, so the search goes on where the last replacement stood.

@@ -53,12 +53,23 @@ class Formatter {
   void read_flags(Conversion& how) {
     for (;; ++at_) {
       switch (static_cast<wchar_t>(*at_)) {
-        case L'-': how.left = true; break;
-        case L'+': how.plus = true; break;
-        case L' ': how.blank = true; break;
-        case L'#': how.alternate = true; break;
-        case L'0': how.zero = true; break;
-        default: return;
+        case L'-':
+          how.left = true;
+          break;
+        case L'+':
+          how.plus = true;
+          break;
+        case L' ':
+          how.blank = true;
+          break;
+        case L'#':
+          how.alternate = true;
+          break;
+        case L'0':
+          how.zero = true;
+          break;
+        default:
+          return;
       }
     }
   }
@@ -69,7 +80,8 @@ class Formatter {
       return va_arg(arguments_, int);
     }
     constexpr int enough = 100000;
-    for (; *at_ >= C('0') && *at_ <= C('9'); ++at_) value = std::min(enough, value * 10 + static_cast<int>(*at_ - C('0')));
+    for (; *at_ >= C('0') && *at_ <= C('9'); ++at_)
+      value = std::min(enough, value * 10 + static_cast<int>(*at_ - C('0')));
     return value;
   }
 
@@ -89,14 +101,29 @@ class Formatter {
   void put(C conversion, const Conversion& how) {
     switch (static_cast<wchar_t>(conversion)) {
       case L'd':
-      case L'i': put_signed(how); break;
-      case L'u': put_unsigned(how, 10, "0123456789"); break;
-      case L'x': put_unsigned(how, 16, "0123456789abcdef"); break;
-      case L'X': put_unsigned(how, 16, "0123456789ABCDEF"); break;
-      case L'c': pad(std::basic_string<C>(1, static_cast<C>(va_arg(arguments_, int))), how); break;
-      case L's': put_string(how, sizeof(C) != 1); break;
-      case L'S': put_string(how, sizeof(C) == 1); break;
-      default: out_.push_back(conversion);  // "%%", and an unknown conversion prints itself
+      case L'i':
+        put_signed(how);
+        break;
+      case L'u':
+        put_unsigned(how, 10, "0123456789");
+        break;
+      case L'x':
+        put_unsigned(how, 16, "0123456789abcdef");
+        break;
+      case L'X':
+        put_unsigned(how, 16, "0123456789ABCDEF");
+        break;
+      case L'c':
+        pad(std::basic_string<C>(1, static_cast<C>(va_arg(arguments_, int))), how);
+        break;
+      case L's':
+        put_string(how, sizeof(C) != 1);
+        break;
+      case L'S':
+        put_string(how, sizeof(C) == 1);
+        break;
+      default:
+        out_.push_back(conversion);  // "%%", and an unknown conversion prints itself
     }
   }
 
@@ -167,9 +194,13 @@ class Formatter {
 
 }  // namespace
 
-std::wstring format_v(const wchar_t* format, std::va_list arguments) { return Formatter<wchar_t>(format, arguments).run(); }
+std::wstring format_v(const wchar_t* format, std::va_list arguments) {
+  return Formatter<wchar_t>(format, arguments).run();
+}
 
-std::string format_v(const char* format, std::va_list arguments) { return Formatter<char>(format, arguments).run(); }
+std::string format_v(const char* format, std::va_list arguments) {
+  return Formatter<char>(format, arguments).run();
+}
 
 namespace detail {
 

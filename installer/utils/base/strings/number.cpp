@@ -16,8 +16,12 @@ std::int32_t parse(const wchar_t* text, int radix) {
 
 }  // namespace
 
-std::int32_t to_integer(const wchar_t* text) { return parse(text, 0); }
+std::int32_t to_integer(const wchar_t* text) {
+  return parse(text, 0);
+}
 
-std::int32_t to_decimal(const wchar_t* text) { return parse(text, 10); }
+std::int32_t to_decimal(const wchar_t* text) {
+  return parse(text, 10);
+}
 
 }  // namespace base::strings

@@ -42,6 +42,8 @@ std::wstring utf8_to_wide(const char* s) {
   return out;
 }
 
-bool to_active_code_page(const wchar_t* text, std::string& out) { return narrow(ports::code_page::active, text, out); }
+bool to_active_code_page(const wchar_t* text, std::string& out) {
+  return narrow(ports::code_page::active, text, out);
+}
 
 }  // namespace base::strings

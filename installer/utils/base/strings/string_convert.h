@@ -4,8 +4,8 @@
 
 namespace base::strings {
 
-/// Conversions by the system's code-page calls, code page 65001 and flags 0, up to the terminator. A null text fails the
-/// assertion on "s" and stops the process; any failure of the calls gives the empty string.
+/// Conversions by the system's code-page calls, code page 65001 and flags 0, up to the terminator. A null text fails
+/// the assertion on "s" and stops the process; any failure of the calls gives the empty string.
 [[nodiscard]] std::string wide_to_utf8(const wchar_t* s);
 [[nodiscard]] std::wstring utf8_to_wide(const char* s);
 

@@ -22,8 +22,8 @@ TEST(Utf8, EachIllFormedStretchBecomesOneReplacement) {
   const struct {
     const char* bytes;
     std::size_t replacements;
-  } rows[] = {{"\x80", 1},         {"\xC0\xAF", 2},     {"\xE2\x82", 1},         {"\xE0\x80\x80", 3}, {"\xED\xA0\x80", 3},
-              {"\xF0\x9F\x98", 1}, {"\xF5\x80", 2},     {"\xF4\x90\x80\x80", 4}, {"\xC3", 1}};
+  } rows[] = {{"\x80", 1},         {"\xC0\xAF", 2}, {"\xE2\x82", 1},         {"\xE0\x80\x80", 3}, {"\xED\xA0\x80", 3},
+              {"\xF0\x9F\x98", 1}, {"\xF5\x80", 2}, {"\xF4\x90\x80\x80", 4}, {"\xC3", 1}};
   for (const auto& row : rows) {
     EXPECT_EQ(to_wide(std::string("a") + row.bytes), L"a" + std::wstring(row.replacements, L'\uFFFD')) << row.bytes;
     EXPECT_EQ(first_ill_formed(std::string("a") + row.bytes), 1u) << row.bytes;
@@ -35,7 +35,9 @@ TEST(Utf8, AnUnpairedSurrogateBecomesAReplacement) {
   const wchar_t low = static_cast<wchar_t>(0xDE00);
   EXPECT_EQ(to_utf8(std::wstring{high}), "\xEF\xBF\xBD");
   EXPECT_EQ(to_utf8(std::wstring{low, high}), "\xEF\xBF\xBD\xEF\xBF\xBD");
-  EXPECT_EQ(to_utf8(std::wstring{high, L'a'}), "\xEF\xBF\xBD" "a");
+  EXPECT_EQ(to_utf8(std::wstring{high, L'a'}),
+            "\xEF\xBF\xBD"
+            "a");
   EXPECT_TRUE(is_utf16(std::wstring{L'a', high, low}));
   EXPECT_FALSE(is_utf16(std::wstring{high}));
   EXPECT_FALSE(is_utf16(std::wstring{low, high}));
@@ -45,8 +47,16 @@ TEST(Number, ReadsLikeTheRuntimeWithALongOf32Bits) {
   const struct {
     const wchar_t* text;
     std::int32_t expected;
-  } rows[] = {{L"0x10", 16},      {L"010", 8},           {L"10", 10},          {L"-0x2", -2}, {L"text", 0}, {L"", 0},
-              {L" 7 apples", 7},  {L"99999999999", 2147483647}, {L"-99999999999", -2147483647 - 1}, {L"08", 0}};
+  } rows[] = {{L"0x10", 16},
+              {L"010", 8},
+              {L"10", 10},
+              {L"-0x2", -2},
+              {L"text", 0},
+              {L"", 0},
+              {L" 7 apples", 7},
+              {L"99999999999", 2147483647},
+              {L"-99999999999", -2147483647 - 1},
+              {L"08", 0}};
   for (const auto& row : rows) EXPECT_EQ(to_integer(row.text), row.expected) << row.text;
   EXPECT_EQ(to_decimal(L"010"), 10);
   EXPECT_EQ(to_decimal(L"0x10"), 0);
@@ -63,9 +73,9 @@ TEST(Expand, ReplacesFromTheStartUntilNoNameIsLeft) {
   const struct {
     const wchar_t* text;
     const wchar_t* expected;  // null where a name is undefined
-  } rows[] = {{L"plain", L"plain"}, {L"[A][B]", L"112"},    {L"x[B]y", L"x12y"},    {L"[]x[A]", L"[]x[A]"},
-              {L"[A", L"[A"},       {L"A]", L"A]"},         {L"]x[A]", L"]x1"},     {L"[Nope]", nullptr},
-              {L"[A][Nope]", nullptr}, {L"[Open]A]", L"1"}, {L"a[Empty]b", L"ab"},  {L"[a]", nullptr},
+  } rows[] = {{L"plain", L"plain"},    {L"[A][B]", L"112"}, {L"x[B]y", L"x12y"},   {L"[]x[A]", L"[]x[A]"},
+              {L"[A", L"[A"},          {L"A]", L"A]"},      {L"]x[A]", L"]x1"},    {L"[Nope]", nullptr},
+              {L"[A][Nope]", nullptr}, {L"[Open]A]", L"1"}, {L"a[Empty]b", L"ab"}, {L"[a]", nullptr},
               {L"[A[A]", nullptr}};
   for (const auto& row : rows) {
     std::wstring text = row.text;
