@@ -90,6 +90,7 @@ TEST_P(Processes, TheShellStartsAProgramAndKeepsItsProcess) {
 }
 
 TEST_P(Processes, TheDesktopsShellTakesARequest) {
+  world().start_shell();
   ASSERT_TRUE(ports::succeeded(processes().initialize_com()));
   ports::DesktopShell desktop = ports::DesktopShell::null;
   ports::Result found = code::fail;

@@ -36,6 +36,8 @@ class World {
   [[nodiscard]] virtual std::wstring key() = 0;
   /// A program that lives for so long and ends with `exit_code`.
   [[nodiscard]] virtual Child child(std::uint32_t milliseconds, std::uint32_t exit_code) = 0;
+  /// Makes sure that a desktop's shell runs.
+  virtual void start_shell() {}
   /// The real system is Wine, which is known to differ in places: the rows of docs/wine.md.
   [[nodiscard]] virtual bool wine() const = 0;
   /// The engines are those of Wine; a machine has the engines of its build.

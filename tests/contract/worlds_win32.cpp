@@ -1,3 +1,5 @@
+#include <windows.h>
+
 #include "platform/ports/build.h"
 #include "platform/ports/modules.h"
 #include "platform/ports/processes.h"
@@ -34,6 +36,9 @@ class RealWorld final : public World {
     return {own.substr(0, own.rfind(L'\\') + 1) + L"ky_contract_child.exe",
             std::to_wstring(milliseconds) + L" " + std::to_wstring(exit_code)};
   }
+
+  // Wine starts its shell with the first thread that asks for the desktop, and only then.
+  void start_shell() override { ASSERT_NE(GetDesktopWindow(), nullptr); }
 
   bool wine() const override { return engines_are_wine(); }
   bool wine_engines() const override { return engines_are_wine(); }
