@@ -78,7 +78,8 @@ class Scanner {
   void reference() {
     const std::size_t begin = at_++;
     const std::size_t end = text_.find(';', at_);
-    if (end == std::string_view::npos || !known(text_.substr(at_, end - at_))) fail(begin, "an unknown reference");
+    if (end == std::string_view::npos || !known(text_.substr(at_, end - at_)))
+      return fail(begin, "an unknown reference");
     at_ = end + 1;
   }
 
@@ -119,6 +120,7 @@ class Scanner {
       if (at(">") || at("/")) break;
       attribute();
     }
+    if (fault_) return;  // The place is then no longer one in the text.
     if (!at("/")) ++depth_;
     skip_past(">");
   }
@@ -135,8 +137,8 @@ class Scanner {
     const std::string_view value = text_.substr(0, end);
     const std::size_t markup = std::min(value.find('<', at_), end);
     for (at_ = value.find('&', at_); !fault_ && at_ < markup; at_ = value.find('&', at_)) reference();
-    if (markup < end) return fail(markup, "\"<\" in a value");
-    at_ = end + 1;  // Behind the closing quote.
+    if (markup < end) fail(markup, "\"<\" in a value");
+    at_ = std::min(end + 1, text_.size());  // Behind the closing quote.
   }
 
   const std::string_view text_;
