@@ -16,15 +16,21 @@ namespace ky {
 
 namespace {
 
+void replace_all(wchar_t* text, std::size_t length, wchar_t from, wchar_t to) {
+  for (wchar_t* at = std::wmemchr(text, from, length); at != nullptr;
+       at = std::wmemchr(at, from, length - static_cast<std::size_t>(at - text))) {
+    *at = to;
+  }
+}
+
 /// Copies `value` without its first character into the staging buffer, in the standard alphabet; gives the length.
 std::uint32_t stage(Decrypter& decrypter, const wchar_t* value) {
   const std::size_t length = std::wcslen(value) - 1;
   if (length >= Decrypter::capacity) base::stop_invalid_parameter(L"decipher: value too long", value);
-  for (std::size_t i = 0; i < length; ++i) {
-    const wchar_t c = value[i + 1];
-    decrypter.staging[i] = c == L'-' ? L'+' : c == L'_' ? L'/' : c == L'.' ? L'=' : c;
-  }
-  decrypter.staging[length] = L'\0';
+  std::wmemcpy(decrypter.staging, value + 1, length + 1);
+  replace_all(decrypter.staging, length, L'-', L'+');
+  replace_all(decrypter.staging, length, L'_', L'/');
+  replace_all(decrypter.staging, length, L'.', L'=');
   return static_cast<std::uint32_t>(length);
 }
 
