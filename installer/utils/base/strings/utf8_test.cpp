@@ -18,6 +18,20 @@ TEST(Utf8, WellFormedTextComesBack) {
   EXPECT_TRUE(is_utf8(text));
 }
 
+// ASCII is widened in blocks: whatever stands at their edges has to come through.
+TEST(Utf8, OtherCharactersMayStandAnywhereAmongAscii) {
+  for (std::size_t before = 0; before < 40; ++before) {
+    for (const std::size_t behind :
+         {std::size_t{0}, std::size_t{1}, std::size_t{15}, std::size_t{16}, std::size_t{17}}) {
+      const std::string text = std::string(before, 'a') + "\xC3\xA9" + std::string(behind, 'b');
+      const std::wstring wide = std::wstring(before, L'a') + L"\u00E9" + std::wstring(behind, L'b');
+      EXPECT_EQ(to_wide(text), wide) << before << " " << behind;
+      EXPECT_EQ(to_utf8(wide), text);
+      EXPECT_EQ(to_wide(text.substr(0, before)), wide.substr(0, before));
+    }
+  }
+}
+
 TEST(Utf8, EachIllFormedStretchBecomesOneReplacement) {
   const struct {
     const char* bytes;
