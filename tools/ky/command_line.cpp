@@ -37,7 +37,7 @@ class CommandLine {
     // A path that begins with "/" is no option, on any system.
     app_.allow_windows_style_options(false);
     add_keys(*app_.add_subcommand("keys", "Make keys"));
-    add_script(*app_.add_subcommand("script", "Translate scripts"));
+    add_script(*app_.add_subcommand("script", "Check, draw and translate scripts"));
     add_rehearse(*app_.add_subcommand("rehearse", "Run a script on a copy of a machine"));
     add_run(*app_.add_subcommand("run", "Run a script for real; Windows only"));
   }
@@ -85,6 +85,21 @@ class CommandLine {
     add_translation(*script.add_subcommand("compile", "Check and encipher a plain script"), compile_, "Plain script");
     add_translation(*script.add_subcommand("decompile", "Make an enciphered script plain"), decompile_,
                     "Enciphered script");
+    add_translation(*script.add_subcommand("graph", "Draw the flow of a script; needs Graphviz for SVG"), graph_,
+                    "Script, plain or enciphered");
+    add_check(*script.add_subcommand("check", "Tell what is wrong or doubtful in scripts"));
+  }
+
+  void add_check(CLI::App& app) {
+    CLI::Option* const files = app.add_option("FILE", check_.files, "Scripts, plain or enciphered")->check(a_name());
+    CLI::Option* const rules = app.add_flag("--rules", check_.rules, "Print the rules and what they are for");
+    app.add_flag("--json", check_.json, "Print JSON");
+    add_script_key(app, check_.script_key);
+    rules->excludes(files);
+    app.parse_complete_callback([this] {
+      if (check_.files.empty() && !check_.rules) throw CLI::RequiredError("FILE");
+      choose(check_);
+    });
   }
 
   void add_rehearse(CLI::App& app) {
@@ -141,6 +156,8 @@ class CommandLine {
   KeysNewOptions keys_new_;
   ScriptCompileOptions compile_;
   ScriptDecompileOptions decompile_;
+  ScriptCheckOptions check_;
+  ScriptGraphOptions graph_;
   RehearseOptions rehearse_;
   RunOptions run_;
   // The options of the subcommand that was given.

@@ -41,6 +41,8 @@ struct Work {
     script::decompile_file(options.in, key_of(options.script_key), options.out);
     return 0;
   }
+  int operator()(const ScriptCheckOptions&) const { throw BadInput("ky script check: under way"); }
+  int operator()(const ScriptGraphOptions&) const { throw BadInput("ky script graph: under way"); }
   int operator()(const RehearseOptions& options) const { return rehearse(options, out, err); }
   int operator()(const RunOptions& options) const { return run(options, out, err); }
 };

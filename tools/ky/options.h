@@ -30,6 +30,21 @@ struct ScriptDecompileOptions {
   std::optional<std::string> script_key;
 };
 
+/// `ky script check [--script-key FILE] [--json] FILE...` and `ky script check --rules`
+struct ScriptCheckOptions {
+  std::vector<std::string> files;  // at least one, but with `rules`
+  std::optional<std::string> script_key;
+  bool rules = false;  // print the rules instead
+  bool json = false;   // for tools
+};
+
+/// `ky script graph IN -o OUT.svg|OUT.dot [--script-key FILE]`
+struct ScriptGraphOptions {
+  std::string in;
+  std::string out;
+  std::optional<std::string> script_key;
+};
+
 /// `ky rehearse --machine M.json [--script S.xml] [--script-key FILE] [--out DIR] [--max-steps N] [-- switches]`
 struct RehearseOptions {
   static constexpr std::uint64_t default_max_steps = 1'000'000;
@@ -51,6 +66,7 @@ struct RunOptions {
   std::vector<std::string> switches;
 };
 
-using Options = std::variant<KeysNewOptions, ScriptCompileOptions, ScriptDecompileOptions, RehearseOptions, RunOptions>;
+using Options = std::variant<KeysNewOptions, ScriptCompileOptions, ScriptDecompileOptions, ScriptCheckOptions,
+                             ScriptGraphOptions, RehearseOptions, RunOptions>;
 
 }  // namespace workbench
