@@ -52,6 +52,22 @@ class FaultyXml final : public Faulty<ports::Xml> {
   ports::Result parse(std::string_view utf8, ports::XmlNode*& document, std::wstring& reason) override {
     return hand_out(Operation::xml_parse, document, [&] { return inner_.parse(utf8, document, reason); });
   }
+  ports::Result create_document(ports::XmlNode*& document) override {
+    return hand_out(Operation::xml_create_document, document, [&] { return inner_.create_document(document); });
+  }
+  ports::Result load_text(ports::XmlNode* document, std::wstring_view text) override {
+    return answer(Operation::xml_load_text, [&] { return inner_.load_text(document, text); });
+  }
+  ports::Result load_bytes(ports::XmlNode* document, std::string_view bytes) override {
+    return answer(Operation::xml_load_bytes, [&] { return inner_.load_bytes(document, bytes); });
+  }
+  ports::Result select_single_node(ports::XmlNode* from, const wchar_t* xpath, ports::XmlNode*& out) override {
+    return hand_out(Operation::xml_select_single_node, out,
+                    [&] { return inner_.select_single_node(from, xpath, out); });
+  }
+  ports::Result node_type(ports::XmlNode* node, std::int32_t& out) override {
+    return answer(Operation::xml_node_type, [&] { return inner_.node_type(node, out); });
+  }
   ports::Result root(ports::XmlNode* document, ports::XmlNode*& element) override {
     return hand_out(Operation::xml_root, element, [&] { return inner_.root(document, element); });
   }

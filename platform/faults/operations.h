@@ -84,6 +84,11 @@
   OPERATION(key_maker_random, "key_maker.random", gen_failure) \
   OPERATION(key_maker_rsa_pair, "key_maker.rsa_pair", gen_failure, not_enough_memory) \
   OPERATION(xml_parse, "xml.parse", result_no_memory, result_fail, result_nothing) \
+  OPERATION(xml_create_document, "xml.create_document", result_class_not_registered, result_no_memory) \
+  OPERATION(xml_load_text, "xml.load_text", result_nothing, result_no_memory) \
+  OPERATION(xml_load_bytes, "xml.load_bytes", result_nothing, result_no_memory) \
+  OPERATION(xml_select_single_node, "xml.select_single_node", result_fail, result_nothing) \
+  OPERATION(xml_node_type, "xml.node_type", result_fail) \
   OPERATION(xml_root, "xml.root", result_fail, result_nothing) \
   OPERATION(xml_first_element, "xml.first_element", result_fail) \
   OPERATION(xml_next_element, "xml.next_element", result_fail) \

@@ -14,6 +14,7 @@ namespace {
 /// A document and the count of what keeps it. One thread at a time for one document, so that the count is a plain one.
 struct Document {
   std::uint32_t references = 0;
+  bool keeps_white_space = true;
   pugi::xml_document xml;
 };
 
@@ -26,6 +27,7 @@ class DocumentOwner {
     if (--document_->references == 0) delete document_;
   }
   [[nodiscard]] pugi::xml_document& xml() const { return document_->xml; }
+  [[nodiscard]] bool keeps_white_space() const { return document_->keeps_white_space; }
 
  private:
   Document* document_;
@@ -88,7 +90,7 @@ bool same_name(const char* utf8, const wchar_t* wide) {
 
 void append_text(pugi::xml_node node, std::string& out) {
   for (const pugi::xml_node child : node.children()) {
-    out.append(child.value());
+    if (child.type() == pugi::node_pcdata || child.type() == pugi::node_cdata) out.append(child.value());
     append_text(child, out);
   }
 }
@@ -104,17 +106,31 @@ std::wstring place_and_reason(std::string_view utf8, std::size_t offset, const c
          base::strings::to_wide(what);
 }
 
-}  // namespace
+std::int32_t kind_of(const XmlNode& node) {
+  if (node.attribute) return ports::node_kind::attribute;
+  switch (node.node.type()) {
+    case pugi::node_element:
+      return ports::node_kind::element;
+    case pugi::node_pcdata:
+      return ports::node_kind::text;
+    case pugi::node_cdata:
+      return ports::node_kind::cdata;
+    case pugi::node_comment:
+      return ports::node_kind::comment;
+    case pugi::node_pi:
+    case pugi::node_declaration:
+      return ports::node_kind::processing_instruction;
+    default:
+      return ports::node_kind::document;
+  }
+}
 
-Result PugiXml::parse(std::string_view utf8, XmlNode*& document, std::wstring& reason) {
-  document = nullptr;
+Result load(pugi::xml_document& document, std::string_view utf8, unsigned flags, std::wstring& reason) {
   if (!base::strings::is_utf8(utf8)) {
     reason = L"the text is not UTF-8";
     return code::nothing;
   }
-  const DocumentOwner parsed(*new Document);
-  const pugi::xml_parse_result result =
-      parsed.xml().load_buffer(utf8.data(), utf8.size(), pugi::parse_default, pugi::encoding_utf8);
+  const pugi::xml_parse_result result = document.load_buffer(utf8.data(), utf8.size(), flags, pugi::encoding_utf8);
   if (!result) {
     reason = place_and_reason(utf8, static_cast<std::size_t>(result.offset), result.description());
     return code::nothing;
@@ -123,7 +139,58 @@ Result PugiXml::parse(std::string_view utf8, XmlNode*& document, std::wstring& r
     reason = place_and_reason(utf8, fault->offset, fault->what);
     return code::nothing;
   }
-  document = new XmlNode{1, parsed, parsed.xml(), {}};
+  return code::ok;
+}
+
+std::string_view trimmed(std::string_view text) {
+  static constexpr std::string_view space = " \t\r\n";
+  const std::size_t begin = text.find_first_not_of(space);
+  return begin == std::string_view::npos ? std::string_view()
+                                         : text.substr(begin, text.find_last_not_of(space) - begin + 1);
+}
+
+}  // namespace
+
+Result PugiXml::parse(std::string_view utf8, XmlNode*& document, std::wstring& reason) {
+  document = nullptr;
+  const DocumentOwner parsed(*new Document);
+  const Result result = load(parsed.xml(), utf8, pugi::parse_default, reason);
+  if (result == code::ok) document = new XmlNode{1, parsed, parsed.xml(), {}};
+  return result;
+}
+
+Result PugiXml::create_document(XmlNode*& document) {
+  const DocumentOwner made(*new Document{0, false, {}});
+  document = new XmlNode{1, made, made.xml(), {}};
+  return code::ok;
+}
+
+Result PugiXml::load_text(XmlNode* document, std::wstring_view text) {
+  std::wstring reason;
+  return load(document->document.xml(), base::strings::to_utf8(text), pugi::parse_default | pugi::parse_comments,
+              reason);
+}
+
+Result PugiXml::load_bytes(XmlNode* document, std::string_view bytes) {
+  std::wstring reason;
+  return load(document->document.xml(), bytes, pugi::parse_default | pugi::parse_comments, reason);
+}
+
+Result PugiXml::select_single_node(XmlNode* from, const wchar_t* xpath, XmlNode*& out) {
+  out = nullptr;
+  try {
+    const pugi::xpath_query query(base::strings::to_utf8(xpath).c_str());
+    const pugi::xpath_node found = query.evaluate_node(from->node);
+    if (!found) return code::nothing;
+    out = new XmlNode{1, from->document, found.attribute() ? found.parent() : found.node(), found.attribute()};
+    return code::ok;
+  } catch (const pugi::xpath_exception&) {
+    return code::fail;
+  }
+}
+
+Result PugiXml::node_type(XmlNode* node, std::int32_t& out) {
+  out = kind_of(*node);
   return code::ok;
 }
 
@@ -145,13 +212,15 @@ Result PugiXml::name(XmlNode* node, std::wstring& out) {
 }
 
 Result PugiXml::text(XmlNode* node, std::wstring& out) {
+  const bool whole = node->document.keeps_white_space();
   if (node->attribute) {
-    base::strings::to_wide(node->attribute.value(), out);
+    const std::string_view value = node->attribute.value();
+    base::strings::to_wide(whole ? value : trimmed(value), out);
     return code::ok;
   }
-  std::string text;
+  std::string text(node->node.value());
   append_text(node->node, text);
-  out = base::strings::to_wide(text);
+  base::strings::to_wide(whole ? text : trimmed(text), out);
   return code::ok;
 }
 

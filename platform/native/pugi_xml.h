@@ -8,6 +8,11 @@ namespace native {
 class PugiXml final : public ports::Xml {
  public:
   ports::Result parse(std::string_view utf8, ports::XmlNode*& document, std::wstring& reason) override;
+  ports::Result create_document(ports::XmlNode*& document) override;
+  ports::Result load_text(ports::XmlNode* document, std::wstring_view text) override;
+  ports::Result load_bytes(ports::XmlNode* document, std::string_view bytes) override;
+  ports::Result select_single_node(ports::XmlNode* from, const wchar_t* xpath, ports::XmlNode*& out) override;
+  ports::Result node_type(ports::XmlNode* node, std::int32_t& out) override;
   ports::Result root(ports::XmlNode* document, ports::XmlNode*& element) override;
   ports::Result first_element(ports::XmlNode* parent, ports::XmlNode*& element) override;
   ports::Result next_element(ports::XmlNode* element, ports::XmlNode*& next) override;

@@ -12,8 +12,19 @@ struct AttributeMap;  // see ky/install_command.h
 
 namespace ports {
 
-/// A node of an XML document: the document itself, an element or an attribute.
+/// A node of an XML document: the document itself, an element, an attribute, a text or a comment.
 struct XmlNode;
+
+/// The kinds of a node, with the numbers of the DOM.
+namespace node_kind {
+inline constexpr std::int32_t element = 1;
+inline constexpr std::int32_t attribute = 2;
+inline constexpr std::int32_t text = 3;
+inline constexpr std::int32_t cdata = 4;
+inline constexpr std::int32_t processing_instruction = 7;
+inline constexpr std::int32_t comment = 8;
+inline constexpr std::int32_t document = 9;
+}  // namespace node_kind
 
 /// XML documents with the results of MSXML: 0 for success, 1 and null where nothing is there, negative on failure. An
 /// engine of the build: MSXML 6 or pugixml. Every node and map that is handed out carries one reference, which the
@@ -22,9 +33,28 @@ class Xml {
  public:
   virtual ~Xml() = default;
 
-  /// IXMLDOMDocument::load from memory: UTF-8 with or without byte order mark. 1 where the text is not well-formed, and
-  /// `reason` says why.
+  /// IXMLDOMDocument::load from memory, keeping all white space: UTF-8 with or without byte order mark. 1 where the
+  /// text is not well-formed, and `reason` says why.
   [[nodiscard]] virtual Result parse(std::string_view utf8, XmlNode*& document, std::wstring& reason) = 0;
+
+  /// CoCreateInstance of the document: an empty one, to be loaded by one of the two operations that follow. It treats
+  /// white space as is the default: texts of white space alone are dropped, and `text` trims.
+  [[nodiscard]] virtual Result create_document(XmlNode*& document) = 0;
+
+  /// IXMLDOMDocument::loadXML. 1 where the text is not well-formed. What encoding it declares does not matter.
+  [[nodiscard]] virtual Result load_text(XmlNode* document, std::wstring_view text) = 0;
+
+  /// IXMLDOMDocument::load from memory: UTF-8 with or without byte order mark, UTF-16 with one, or the encoding that
+  /// the document declares, of which UTF-8, ISO-8859-1 and windows-1252 are known everywhere. 1 where the bytes are not
+  /// well-formed or the encoding is unknown.
+  [[nodiscard]] virtual Result load_bytes(XmlNode* document, std::string_view bytes) = 0;
+
+  /// IXMLDOMNode::selectSingleNode: the first node in document order. Negative (`fail`) for an XPath 1.0 expression
+  /// that does not parse, that gives no node set or that uses a prefix: none is bound to a namespace.
+  [[nodiscard]] virtual Result select_single_node(XmlNode* from, const wchar_t* xpath, XmlNode*& out) = 0;
+
+  /// IXMLDOMNode::get_nodeType: one of `node_kind`.
+  [[nodiscard]] virtual Result node_type(XmlNode* node, std::int32_t& out) = 0;
 
   /// IXMLDOMDocument::get_documentElement.
   [[nodiscard]] virtual Result root(XmlNode* document, XmlNode*& element) = 0;
@@ -36,10 +66,11 @@ class Xml {
   /// IXMLDOMNode::get_nodeName, of an element or attribute.
   [[nodiscard]] virtual Result name(XmlNode* node, std::wstring& out) = 0;
 
-  /// IXMLDOMNode::get_text. An attribute's text is its value as it stands.
+  /// IXMLDOMNode::get_text: of an element, the texts of all descendants. Where the document keeps white space, the text
+  /// is as it stands; otherwise it is trimmed at both ends.
   [[nodiscard]] virtual Result text(XmlNode* node, std::wstring& out) = 0;
 
-  /// IXMLDOMNode::get_attributes.
+  /// IXMLDOMNode::get_attributes: 1 and null for what is no element.
   [[nodiscard]] virtual Result attributes(XmlNode* element, ky::AttributeMap*& out) = 0;
 
   /// IXMLDOMNamedNodeMap::get_length, get_item and getNamedItem.

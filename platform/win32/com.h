@@ -6,6 +6,7 @@
 
 #include <new>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace win32 {
@@ -42,7 +43,9 @@ class ComOwner {
 class Bstr {
  public:
   Bstr() = default;
+  /// Null for null.
   explicit Bstr(const wchar_t* text) : text_(SysAllocString(text)) {}
+  explicit Bstr(std::wstring_view text) : text_(SysAllocStringLen(text.data(), static_cast<UINT>(text.size()))) {}
   ~Bstr() { SysFreeString(text_); }
   Bstr(const Bstr&) = delete;
   Bstr& operator=(const Bstr&) = delete;

@@ -44,18 +44,26 @@ class ByteArray {
   VARIANT variant_{};
 };
 
-HRESULT make_document(ComOwner<IXMLDOMDocument>& out) {
+HRESULT make_document(VARIANT_BOOL keep_white_space, ComOwner<IXMLDOMDocument>& out) {
   HRESULT result =
       CoCreateInstance(dom_document_60, nullptr, CLSCTX_INPROC_SERVER, iid_dom_document, out.receive_any());
   if (FAILED(result)) return result;
   result = out->put_async(VARIANT_FALSE);
   if (FAILED(result)) return result;
-  // Otherwise texts, attributes' too, would lose the white space at their ends.
-  result = out->put_preserveWhiteSpace(VARIANT_TRUE);
+  // Otherwise texts, attributes' too, lose the white space at their ends.
+  result = out->put_preserveWhiteSpace(keep_white_space);
   if (FAILED(result)) return result;
   result = out->put_validateOnParse(VARIANT_FALSE);
   if (FAILED(result)) return result;
   return out->put_resolveExternals(VARIANT_FALSE);
+}
+
+HRESULT load(IXMLDOMDocument& document, std::string_view bytes) {
+  const ByteArray array(bytes);
+  if (array.variant().vt == VT_EMPTY) return ports::code::no_memory;
+  VARIANT_BOOL loaded = VARIANT_FALSE;
+  const HRESULT result = document.load(array.variant(), &loaded);
+  return result == S_OK && loaded == VARIANT_FALSE ? S_FALSE : result;
 }
 
 std::wstring reason_of(IXMLDOMDocument& document) {
@@ -70,6 +78,10 @@ std::wstring reason_of(IXMLDOMDocument& document) {
   std::wstring text = reason.text();
   while (!text.empty() && (text.back() == L'\n' || text.back() == L'\r')) text.pop_back();
   return text + L" (line " + std::to_wstring(line) + L", column " + std::to_wstring(column) + L")";
+}
+
+HRESULT document_of(ports::XmlNode* node, ComOwner<IXMLDOMDocument>& out) {
+  return native(node)->QueryInterface(iid_dom_document, out.receive_any());
 }
 
 /// `node` itself or the nearest sibling behind it that is an element.
@@ -107,25 +119,62 @@ ports::Result Xml::parse(std::string_view utf8, ports::XmlNode*& document, std::
   HRESULT result = enter_apartment();
   if (FAILED(result)) return result;
   ComOwner<IXMLDOMDocument> made;
-  result = make_document(made);
+  result = make_document(VARIANT_TRUE, made);
   if (FAILED(result)) return result;
-  const ByteArray bytes(utf8);
-  if (bytes.variant().vt == VT_EMPTY) return ports::code::no_memory;
+  result = load(*made.get(), utf8);
+  if (result == S_OK) document = ported(made.detach());
+  if (result == S_FALSE) reason = reason_of(*made.get());
+  return result;
+}
+
+ports::Result Xml::create_document(ports::XmlNode*& document) {
+  document = nullptr;
+  HRESULT result = enter_apartment();
+  if (FAILED(result)) return result;
+  ComOwner<IXMLDOMDocument> made;
+  result = make_document(VARIANT_FALSE, made);
+  if (SUCCEEDED(result)) document = ported(made.detach());
+  return result;
+}
+
+ports::Result Xml::load_text(ports::XmlNode* document, std::wstring_view text) {
+  ComOwner<IXMLDOMDocument> owner;
+  HRESULT result = document_of(document, owner);
+  if (FAILED(result)) return result;
+  const Bstr copy(text);
+  if (copy.get() == nullptr) return ports::code::no_memory;
   VARIANT_BOOL loaded = VARIANT_FALSE;
-  result = made->load(bytes.variant(), &loaded);
-  if (FAILED(result)) return result;
-  if (result != S_OK || loaded == VARIANT_FALSE) {
-    reason = reason_of(*made.get());
-    return ports::code::nothing;
-  }
-  document = ported(made.detach());
-  return ports::code::ok;
+  result = owner->loadXML(copy.get(), &loaded);
+  return result == S_OK && loaded == VARIANT_FALSE ? S_FALSE : result;
+}
+
+ports::Result Xml::load_bytes(ports::XmlNode* document, std::string_view bytes) {
+  ComOwner<IXMLDOMDocument> owner;
+  const HRESULT result = document_of(document, owner);
+  return FAILED(result) ? result : load(*owner.get(), bytes);
+}
+
+ports::Result Xml::select_single_node(ports::XmlNode* from, const wchar_t* xpath, ports::XmlNode*& out) {
+  out = nullptr;
+  const Bstr text(xpath);
+  if (text.get() == nullptr) return ports::code::no_memory;
+  ComOwner<IXMLDOMNode> node;
+  const HRESULT result = native(from)->selectSingleNode(text.get(), node.receive());
+  out = ported(node.detach());
+  return result;
+}
+
+ports::Result Xml::node_type(ports::XmlNode* node, std::int32_t& out) {
+  DOMNodeType type = NODE_INVALID;
+  const HRESULT result = native(node)->get_nodeType(&type);
+  out = static_cast<std::int32_t>(type);
+  return result;
 }
 
 ports::Result Xml::root(ports::XmlNode* document, ports::XmlNode*& element) {
   element = nullptr;
   ComOwner<IXMLDOMDocument> owner;
-  HRESULT result = native(document)->QueryInterface(iid_dom_document, owner.receive_any());
+  HRESULT result = document_of(document, owner);
   if (FAILED(result)) return result;
   ComOwner<IXMLDOMElement> found;
   result = owner->get_documentElement(found.receive());
