@@ -18,6 +18,8 @@ struct FlowPoint {
 
 /// A place in the flow that leads nowhere.
 struct FlowFault {
+  enum class Kind : std::uint8_t { index_out_of_range, index_taken, lost_way };
+  Kind kind = Kind::lost_way;
   std::size_t point = 0;
   const char* attribute = "";  // empty: the way to the index that follows
   std::string reason;

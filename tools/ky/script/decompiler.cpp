@@ -46,7 +46,9 @@ class Decipherment {
   }
 
  private:
-  void fault(Position at, const std::string& reason) { faults_.push_back({at, where_ + ": " + reason}); }
+  void fault(Position at, const std::string& reason) {
+    faults_.push_back({at, where_ + ": " + reason, rule::undecipherable});
+  }
 
   void decipher_name(PlainElement& element) {
     if (!decipher(element.at, "its name ", element.name)) return;

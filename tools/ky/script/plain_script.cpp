@@ -79,9 +79,11 @@ class Reader {
       cursor_.fail_at(commands.attributes.front().at, "<commands> may have no attributes");
     }
     if (empty) return;
-    for (cursor_.skip_between(); !close_tag("commands"); cursor_.skip_between()) {
+    std::vector<PlainComment> comments;
+    for (cursor_.skip_between(&comments); !close_tag("commands"); cursor_.skip_between(&comments)) {
       refuse_other_markup();
       script.elements.push_back(command());
+      script.elements.back().comments = std::exchange(comments, {});
     }
   }
 

@@ -17,11 +17,18 @@ struct PlainAttribute {
   Position at;
 };
 
+/// What stands between "<!--" and "-->".
+struct PlainComment {
+  std::string text;
+  Position at;
+};
+
 /// One command.
 struct PlainElement {
   std::string name;
   std::vector<PlainAttribute> attributes;
   Position at;
+  std::vector<PlainComment> comments = {};  // between it and the element before it
 
   /// Null where the element has no such attribute.
   [[nodiscard]] const PlainAttribute* find(std::string_view attribute) const;

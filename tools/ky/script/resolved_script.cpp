@@ -6,17 +6,22 @@
 #include <unordered_map>
 #include <utility>
 
-#include "host/script/command_rules.h"
-#include "host/script/encipher.h"
-#include "host/script/flow_check.h"
-#include "installer/utils/base/strings/utf8.h"
+#include "tools/ky/script/element_check.h"
 
 namespace script {
 
 namespace {
 
-std::string quoted(std::string_view text) {
-  return '"' + std::string(text) + '"';
+std::string_view rule_of(host::FlowFault::Kind kind) {
+  switch (kind) {
+    case host::FlowFault::Kind::index_out_of_range:
+      return rule::bad_number;
+    case host::FlowFault::Kind::index_taken:
+      return rule::duplicate_index;
+    case host::FlowFault::Kind::lost_way:
+      break;
+  }
+  return rule::lost_way;
 }
 
 /// Works on its own copy of the script and collects what is wrong.
@@ -24,38 +29,21 @@ class Resolver {
  public:
   explicit Resolver(PlainScript script) : script_(std::move(script)) {}
 
-  [[nodiscard]] PlainScript resolve() {
+  [[nodiscard]] Structure examine() {
     for (PlainElement& element : script_.elements) {
-      check_command(element);
+      check_element(element, faults_);
       take_index(element);
       take_id(element);
     }
     for (std::size_t i = 0; i < script_.elements.size(); ++i) resolve_ways(i);
     // Where an index is not known, every way past it would look lost as well.
     if (indexes_known_) check_ways();
-    if (!faults_.empty()) throw ScriptError(script_.file, std::move(faults_));
-    return std::move(script_);
+    return {std::move(script_), std::move(points_), std::move(faults_)};
   }
 
  private:
-  void fault(Position at, std::string reason) { faults_.push_back({at, std::move(reason)}); }
-
-  void check_command(const PlainElement& element) {
-    std::vector<std::wstring> names;
-    for (const PlainAttribute& attribute : element.attributes) {
-      names.push_back(base::strings::to_wide(attribute.name));
-      if (attribute.value.size() > host::longest_plain_value) {
-        fault(attribute.at, quoted(attribute.name) + " has " + std::to_string(attribute.value.size()) +
-                                " bytes, and a value may have " + std::to_string(host::longest_plain_value));
-      }
-    }
-    const host::CommandRule* const rule = host::rule_of(element.name);
-    if (rule == nullptr) {
-      fault(element.at, "<" + element.name + "> is not the name of a command");
-      return;
-    }
-    const std::string missing = host::missing_attribute(*rule, names);
-    if (!missing.empty()) fault(element.at, "<" + element.name + "> " + missing);
+  void fault(Position at, std::string_view rule, std::string reason) {
+    faults_.push_back({at, std::move(reason), rule});
   }
 
   /// As the loader counts: the index that an element names, or the previous one plus 1.
@@ -65,7 +53,7 @@ class Resolver {
     if (const PlainAttribute* const named = element.find("index"); named != nullptr) {
       const auto number = whole_integer(named->value);
       if (!number.has_value()) {
-        fault(named->at, "\"index\" is " + quoted(named->value) + " and must be a number");
+        fault(named->at, rule::bad_number, "\"index\" is " + quoted(named->value) + " and must be a number");
         indexes_known_ = false;
       }
       index = number.value_or(index);
@@ -79,12 +67,13 @@ class Resolver {
     const auto found = std::find_if(element.attributes.begin(), element.attributes.end(),
                                     [](const PlainAttribute& each) { return each.name == id_attribute; });
     if (found == element.attributes.end()) return;
-    if (found->value.empty()) fault(found->at, "\"id\" is empty");
-    if (found->value == end_id) fault(found->at, "the id \"end\" stands for the end of the script");
+    if (found->value.empty()) fault(found->at, rule::bad_id, "\"id\" is empty");
+    if (found->value == end_id) fault(found->at, rule::bad_id, "the id \"end\" stands for the end of the script");
     const auto [owner, fresh] = ids_.emplace(found->value, Named{points_.back().index, found->at});
     if (!fresh) {
-      fault(found->at, "the id " + quoted(found->value) + " is taken by the element in line " +
-                           std::to_string(owner->second.at.line));
+      fault(found->at, rule::bad_id,
+            "the id " + quoted(found->value) + " is taken by the element in line " +
+                std::to_string(owner->second.at.line));
     }
     element.attributes.erase(found);
   }
@@ -97,7 +86,7 @@ class Resolver {
       if (number.has_value() && attribute.name == "next") points_[i].next = *number;
       if (number.has_value() && attribute.name == "target") points_[i].target = *number;
       if (!number.has_value() && !attribute.value.starts_with('#')) {
-        fault(attribute.at,
+        fault(attribute.at, rule::bad_number,
               quoted(attribute.name) + " is " + quoted(attribute.value) + " and must be a number or \"#\" and an id");
       }
     }
@@ -112,7 +101,7 @@ class Resolver {
     } else if (found != ids_.end()) {
       attribute.value = std::to_string(found->second.index);
     } else {
-      fault(attribute.at, "no element has the id " + quoted(id));
+      fault(attribute.at, rule::lost_way, "no element has the id " + quoted(id));
     }
   }
 
@@ -121,7 +110,7 @@ class Resolver {
       const PlainElement& element = script_.elements[lost.point];
       const PlainAttribute* const attribute = element.find(lost.attribute);
       const std::string subject = attribute != nullptr ? quoted(attribute->name) + ": " : "<" + element.name + "> ";
-      fault(attribute != nullptr ? attribute->at : element.at, subject + lost.reason);
+      fault(attribute != nullptr ? attribute->at : element.at, rule_of(lost.kind), subject + lost.reason);
     }
   }
 
@@ -159,8 +148,14 @@ std::optional<std::int32_t> whole_integer(std::string_view text) {
   return static_cast<std::int32_t>(value);
 }
 
+Structure examine(PlainScript script) {
+  return Resolver(std::move(script)).examine();
+}
+
 PlainScript resolve(const PlainScript& script) {
-  return Resolver(script).resolve();
+  Structure structure = examine(script);
+  if (!structure.faults.empty()) throw ScriptError(script.file, std::move(structure.faults));
+  return std::move(structure.script);
 }
 
 }  // namespace script

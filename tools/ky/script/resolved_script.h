@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/script/flow_check.h"
 #include "tools/ky/script/plain_script.h"
 
 namespace script {
@@ -23,6 +24,14 @@ inline constexpr std::string_view end_id = "end";
 /// The number that `text` is as a whole, read as commands do: "0x" and a leading "0" change the radix. Nothing for any
 /// other text, though a command would take it for 0.
 [[nodiscard]] std::optional<std::int32_t> whole_integer(std::string_view text);
+
+/// How a script's elements hang together, and what is wrong with them.
+struct Structure {
+  PlainScript script;  // without ids, every `#id` that is known replaced by the element's index in decimal
+  std::vector<host::FlowPoint> points;  // one an element
+  std::vector<Fault> faults;            // all that keeps the script from being compiled, in no order
+};
+[[nodiscard]] Structure examine(PlainScript script);
 
 /// The script without ids, every `#id` replaced by the element's index in decimal. Throws a `ScriptError` with all
 /// faults of the script.

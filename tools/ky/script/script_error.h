@@ -3,6 +3,7 @@
 #include <compare>
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tools/ky/bad_input.h"
@@ -16,10 +17,25 @@ struct Position {
   friend auto operator<=>(const Position&, const Position&) = default;
 };
 
+/// What a fault offends against, by the names that `ky script check` prints and docs/rules/ explains.
+namespace rule {
+inline constexpr std::string_view form = "form";
+inline constexpr std::string_view undecipherable = "undecipherable";
+inline constexpr std::string_view unknown_element = "unknown-element";
+inline constexpr std::string_view unknown_attribute = "unknown-attribute";
+inline constexpr std::string_view missing_attribute = "missing-attribute";
+inline constexpr std::string_view bad_number = "bad-number";
+inline constexpr std::string_view long_value = "long-value";
+inline constexpr std::string_view bad_id = "bad-id";
+inline constexpr std::string_view duplicate_index = "duplicate-index";
+inline constexpr std::string_view lost_way = "lost-way";
+}  // namespace rule
+
 /// One reason to refuse a document.
 struct Fault {
   Position at;
   std::string reason;
+  std::string_view rule = rule::form;
   friend bool operator==(const Fault&, const Fault&) = default;
 };
 

@@ -117,13 +117,14 @@ bool XmlCursor::skip_space() {
   return offset_ != before;
 }
 
-void XmlCursor::skip_between() {
+void XmlCursor::skip_between(std::vector<PlainComment>* comments) {
   skip_space();
   while (comes("<!--")) {
     const Position begin = here();
     const std::size_t end = text_.find("--", offset_ + 4);
     if (end == std::string_view::npos) fail_at(begin, "the comment does not end");
     if (text_.substr(end, 3) != "-->") fail_at(begin, "the comment holds \"--\"");
+    if (comments != nullptr) comments->push_back({std::string(text_.substr(offset_ + 4, end - offset_ - 4)), begin});
     offset_ = end + 3;
     skip_space();
   }

@@ -4,7 +4,9 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
+#include "tools/ky/script/plain_script.h"
 #include "tools/ky/script/script_error.h"
 
 namespace script {
@@ -31,8 +33,8 @@ class XmlCursor {
   void expect(std::string_view literal);
   /// True where there was any.
   bool skip_space();
-  /// White space and comments.
-  void skip_between();
+  /// White space and comments, which are added to `comments` where that is not null.
+  void skip_between(std::vector<PlainComment>* comments = nullptr);
   /// A name, which may have a prefix with a colon.
   [[nodiscard]] std::string_view name();
   /// A value in its quotes, with references resolved and white space made blanks.
