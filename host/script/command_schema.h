@@ -9,18 +9,20 @@ namespace host {
 
 /// How an attribute's value is read.
 enum class Form : std::uint8_t {
-  integer,          // base 0; text that is no number is 0
-  flag,             // an integer, true if not 0
-  index,            // of a command: an integer, or "#id" in a plain script
-  text,             // as it stands
-  folder_path,      // a text that should end in a backslash
-  file_path,        // a text
-  registry_path,    // a text
-  xpath,            // a text
-  expression,       // a text, see installer/utils/base/expressions
-  integer_name,     // the name of an integer variable, without prefix
-  text_name,        // the name of a text variable, without prefix
-  integer_or_name,  // an integer, or the name of an integer variable where `expValue` says so
+  integer,        // base 0; text that is no number is 0
+  flag,           // an integer, true if not 0
+  index,          // of a command: an integer, or "#id" in a plain script
+  text,           // as it stands
+  folder_path,    // a text that should end in a backslash
+  file_path,      // a text
+  registry_path,  // a text
+  xpath,          // a text
+  expression,     // a text, see installer/utils/base/expressions
+  integer_name,   // the name of an integer variable, without prefix
+  text_name,      // the name of a text variable, without prefix
+  either_name,    // the name of a text variable where the element has `text_with`, and of an integer variable where it
+                  // has `integer_with` or lacks `text_with`; without prefix
+  integer_or_name,  // an integer, or the name of an integer variable where the flag `name_with` is set
 };
 
 /// What a command does with the variable that a name form names.
@@ -28,30 +30,35 @@ enum class Access : std::uint8_t { none, reads, writes };
 
 /// One attribute, or a numbered family of attributes.
 struct AttributeSchema {
-  std::string_view name;  // a family's without its number
+  std::string_view name{};  // a family's without its number
   Form form = Form::text;
   bool required = false;
-  bool expanded = false;           // its `[Name]` forms are replaced when the command runs
-  bool keeps_expansion = false;    // and the command keeps the result: a later run sees the first run's values
-  Access access = Access::none;    // of name forms
-  bool numbered = false;           // name1, name2, ...
-  bool gaps_allowed = false;       // of a family: numbers may be missing; otherwise the first gap ends it
-  std::uint16_t longest = 0;       // characters; 0: only the limit that every value has
-  std::string_view default_value;  // what an absent attribute is taken for, as an author would write it; may be empty
-  std::string_view meaning;        // one sentence for authors
+  bool expanded = false;            // its `[Name]` forms are replaced when the command runs
+  bool keeps_expansion = false;     // and the command keeps the result: a later run sees the first run's values
+  Access access = Access::none;     // of name forms
+  bool numbered = false;            // name1, name2, ...
+  bool gaps_allowed = false;        // of a family: numbers may be missing; otherwise the first gap ends it
+  std::uint16_t longest = 0;        // characters; 0: only the limit that every value has
+  std::string_view integer_with{};  // see Form::either_name
+  std::string_view text_with{};     // see Form::either_name
+  std::string_view name_with{};     // see Form::integer_or_name
+  std::string_view needs{};         // what it does nothing without; of a family, the attribute with the same number
+  std::span<const std::string_view> choices{};  // what a value without `[Name]` must be one of, where there are any
+  std::string_view default_value{};  // what an absent attribute is taken for, as an author would write it; may be empty
+  std::string_view meaning{};        // one sentence for authors
 };
 
 /// A key of fixed name that a command touches.
 struct KeyUse {
-  std::string_view key;  // with prefix
+  std::string_view key{};  // with prefix
   Access access = Access::reads;
-  std::string_view meaning;  // one sentence, when and what
+  std::string_view meaning{};  // one sentence, when and what
 };
 
 /// A result or return code, and when.
 struct ResultMeaning {
-  std::string_view code;
-  std::string_view meaning;
+  std::string_view code{};
+  std::string_view meaning{};
 };
 
 enum class Owner : std::uint8_t { library, host };
@@ -59,16 +66,16 @@ enum class Owner : std::uint8_t { library, host };
 /// What a script's author needs to know of a command, and what loader, checker, schema document and reference pages are
 /// made from.
 struct CommandSchema {
-  std::string_view name;  // of the element
-  std::string_view log_name;
+  std::string_view name{};  // of the element
+  std::string_view log_name{};
   Owner owner = Owner::library;
-  std::string_view summary;                     // one sentence
-  std::string_view remarks;                     // paragraphs in Markdown; may be empty
-  std::span<const AttributeSchema> attributes;  // its own, without those that every command has
-  std::span<const std::string_view> one_of;     // at least one of these attributes, where there are any
-  std::span<const KeyUse> keys;
-  std::span<const ResultMeaning> results;
-  std::string_view example;  // an element
+  std::string_view summary{};                     // one sentence
+  std::string_view remarks{};                     // paragraphs in Markdown; may be empty
+  std::span<const AttributeSchema> attributes{};  // its own, without those that every command has
+  std::span<const std::string_view> one_of{};     // at least one of these attributes, where there are any
+  std::span<const KeyUse> keys{};
+  std::span<const ResultMeaning> results{};
+  std::string_view example{};  // an element
 };
 
 /// Every command of the library and the host, sorted by name.

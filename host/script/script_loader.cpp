@@ -8,7 +8,7 @@
 #include <string_view>
 #include <utility>
 
-#include "host/script/command_rules.h"
+#include "host/script/command_schema.h"
 #include "installer/utils/base/strings/format.h"
 #include "installer/utils/base/strings/number.h"
 #include "installer/utils/base/strings/utf8.h"
@@ -136,7 +136,7 @@ const ScriptLoader::Kind& ScriptLoader::kind_of(const std::wstring& ciphered_nam
       if (kind.make == nullptr) kind.make = source->find(kind.name);
     }
     if (kind.make == nullptr) kind.fault = "is not the name of a command";
-    kind.rule = rule_of(kind.name);
+    kind.schema = schema_of(kind.name);
   }
   return kinds_.emplace(ciphered_name, std::move(kind)).first->second;
 }
@@ -157,8 +157,8 @@ bool ScriptLoader::check_attributes(const Kind& kind, ky::AttributeMap* map, Flo
     fault(kind.name, {}, "has attributes that cannot be read: " + code_text(result));
     return false;
   }
-  if (kind.rule != nullptr) {
-    std::string missing = missing_attribute(*kind.rule, std::span(attribute_names_).first(count));
+  if (kind.schema != nullptr) {
+    std::string missing = missing_attribute(*kind.schema, std::span(attribute_names_).first(count));
     if (!missing.empty()) {
       fault(kind.name, {}, std::move(missing));
       good = false;

@@ -21,7 +21,7 @@ struct System;
 
 namespace host {
 
-struct CommandRule;
+struct CommandSchema;
 
 /// What became of a script. It may run only where `faults` is empty.
 struct LoadedScript {
@@ -49,7 +49,7 @@ class ScriptLoader {
     const char* fault = nullptr;
     std::string name;
     ky::Factory make = nullptr;
-    const CommandRule* rule = nullptr;
+    const CommandSchema* schema = nullptr;
   };
 
   [[nodiscard]] bool find_commands(std::string_view utf8, NodeOwner& commands);

@@ -3,7 +3,7 @@
 #include <string>
 #include <utility>
 
-#include "host/script/command_rules.h"
+#include "host/script/command_schema.h"
 #include "host/script/encipher.h"
 #include "installer/utils/base/strings/utf8.h"
 #include "tools/ky/script/resolved_script.h"
@@ -17,7 +17,7 @@ class ElementCheck {
   ElementCheck(const PlainElement& element, std::vector<Fault>& faults) : element_(element), faults_(faults) {}
 
   void run() {
-    const host::CommandRule* const schema = host::rule_of(element_.name);
+    const host::CommandSchema* const schema = host::schema_of(element_.name);
     if (schema == nullptr) {
       fault(element_.at, rule::unknown_element, "<" + element_.name + "> is not the name of a command");
     }
@@ -39,7 +39,7 @@ class ElementCheck {
               std::to_string(longest));
   }
 
-  void check_presence(const host::CommandRule& command) {
+  void check_presence(const host::CommandSchema& command) {
     std::vector<std::wstring> names;
     for (const PlainAttribute& attribute : element_.attributes) names.push_back(base::strings::to_wide(attribute.name));
     const std::string missing = host::missing_attribute(command, names);
