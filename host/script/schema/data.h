@@ -73,7 +73,7 @@ Without a match the result is 0 and `int_ReturnCode` is 1, which the process wou
 
 `xmlVar` must hold a document: an unset variable stops the process.
 
-`[Name]` in `xpath` is a variable, and `[` of a predicate looks the same: `item[Name]` is `item` and the variable `Name`. `xpath` is expanded at the first run and stays as it is then; in a loop, later runs see the first run's values.)",
+`[Name]` in `xpath` is a variable, and the predicate `[Name]` looks the same. Where one pair of brackets names no variable the whole `xpath` stays as it is: a predicate works in an `xpath` without variables, and not beside one. `xpath` is expanded at the first run and stays as it is then; in a loop, later runs see the first run's values.)",
     .attributes = get_string_from_xml_attributes,
     .keys = get_string_from_xml_keys,
     .results = get_string_from_xml_results,

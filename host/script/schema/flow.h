@@ -6,8 +6,8 @@
 namespace host::schema {
 
 inline constexpr ResultMeaning shape_results[] = {
-    {"0", "always"},
     {"1359", "another thread is inside the command"},
+    {"0", "in all other cases"},
 };
 
 inline constexpr AttributeSchema evaluate_attributes[] = {
@@ -26,7 +26,7 @@ inline constexpr CommandSchema evaluate = {
     .log_name = "Evaluate",
     .summary = "Computes an expression over integer variables and stores its value.",
     .remarks =
-        R"(Numbers are floating point while the expression is computed, and lose their fraction where they are stored. What does not fit into 32 bits is stored as -2147483648. An unset variable is 0.
+        R"(Numbers have fractions while the expression is computed; what is stored or used bit by bit is cut towards zero, and what does not fit into 32 bits is -2147483648. An unset variable is 0.
 
 | Level, loosest first | Operators |
 |---|---|
@@ -40,9 +40,9 @@ inline constexpr CommandSchema evaluate = {
 
 All of them group from the left, `^` too. Operators in letters are in capitals; in small ones they are names of variables. Functions take one argument in brackets: `ABS` `EXP` `SQRT` `LOG` `LOG10` `SIN` `COS` `TAN` `ASIN` `ACOS` `ATAN`, angles in radians. `E` and `PI` are constants.
 
-An expression that does not parse is told in the log, and 0 is stored. What stands behind a complete value is not looked at: `1 2` is 1. `<`, `>` and `&` have to be written as `&lt;`, `&gt;` and `&amp;` in a script.
+An expression that does not parse is told in the log, and 0 is stored. What stands behind a complete value is not looked at: `1 2` is 1, and so is `1 & 2`. Signs that run together are one, which is no operator: `3!!` is 3, and `1 ++ 2` is 1. `<`, `>` and `&` have to be written as `&lt;`, `&gt;` and `&amp;` in a script.
 
-A remainder by 0 stops the process.)",
+A remainder by 0 stops the process; so does the remainder of -2147483648 by -1.)",
     .attributes = evaluate_attributes,
     .results = shape_results,
     .example = R"(<Evaluate expression="Progress + 1" resultVar="Progress"/>)",

@@ -1,0 +1,30 @@
+#include "tools/ky/reference/generated_files.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "platform/desk/desk.h"
+
+namespace {
+
+TEST(Reference, TheTreeHoldsWhatTheSchemaGives) {
+  const std::vector<reference::GeneratedFile> files = reference::generated_files();
+  for (const reference::GeneratedFile& file : files) {
+    std::string bytes;
+    const std::string failure = desk::read_file(desk::join(KY_SOURCE_FOLDER, file.path), 1 << 24, bytes);
+    EXPECT_EQ(failure, "") << "run ./dev reference";
+    EXPECT_TRUE(bytes == file.bytes) << file.path << " is out of date: run ./dev reference";
+  }
+  const auto generated = [&](const std::string& name) {
+    return std::any_of(files.begin(), files.end(), [&](const reference::GeneratedFile& each) {
+      return each.path == std::string(reference::pages_folder) + '/' + name;
+    });
+  };
+  for (const auto& entry : std::filesystem::directory_iterator(desk::join(KY_SOURCE_FOLDER, reference::pages_folder))) {
+    EXPECT_TRUE(generated(entry.path().filename().string())) << entry.path() << " belongs to no command: remove it";
+  }
+}
+
+}  // namespace
