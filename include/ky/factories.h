@@ -14,6 +14,8 @@
 /// Two stems differ from their class's name on purpose: hosts look for them.
 #define KY_FACTORIES(FACTORY) \
   FACTORY(DeleteFile, CDeleteFileCommand) \
+  FACTORY(Evaluate, CEvaluateCommand) \
+  FACTORY(GetDateTime, CGetDateTimeCommand) \
   FACTORY(Jump, CJumpCommand) \
   FACTORY(LoadFilesFromResources, CLoadFilesFromResourcesCommand) \
   FACTORY(Nop, CNopCommand) \

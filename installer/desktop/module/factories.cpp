@@ -1,5 +1,7 @@
 #include "ky/factories.h"
 
+#include "installer/desktop/commands/data/evaluatecommand.h"
+#include "installer/desktop/commands/data/getdatetimecommand.h"
 #include "installer/desktop/commands/data/loadfilesfromresourcescommand.h"
 #include "installer/desktop/commands/files/deletefilecommand.h"
 #include "installer/desktop/commands/files/pathexistscommand.h"

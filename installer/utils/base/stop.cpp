@@ -28,4 +28,8 @@ void stop_assertion(const wchar_t* expression) {
   stop(ports::StopKind::assertion, L"assertion", expression);
 }
 
+void stop_processor_fault(const wchar_t* place, const std::wstring& detail) {
+  stop(ports::StopKind::processor_fault, place, detail);
+}
+
 }  // namespace base

@@ -9,5 +9,6 @@ namespace base {
 [[noreturn]] void stop_invalid_parameter(const wchar_t* place, const std::wstring& detail);
 [[noreturn]] void stop_null_value(const wchar_t* place, const std::wstring& detail);
 [[noreturn]] void stop_assertion(const wchar_t* expression);
+[[noreturn]] void stop_processor_fault(const wchar_t* place, const std::wstring& detail);
 
 }  // namespace base

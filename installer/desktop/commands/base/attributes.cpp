@@ -1,11 +1,13 @@
 #include "installer/desktop/commands/base/attributes.h"
 
+#include <cwchar>
 #include <exception>
 #include <utility>
 
 #include "installer/desktop/commands/base/decipher.h"
 #include "installer/extern/base/include/winapi/com_error.h"
 #include "installer/utils/base/strings/number.h"
+#include "installer/utils/base/strings/string_convert.h"
 #include "platform/ports/codes.h"
 #include "platform/ports/system.h"
 #include "platform/ports/xml.h"
@@ -58,6 +60,12 @@ std::uint32_t Attributes::LoadBase(CInstallCommand& command) const {
   AttributeMap* second = map_;
   if (second != nullptr) ports::system().xml.add_reference(second);
   return command.CInstallCommand::LoadCiphered(&second);
+}
+
+NarrowHeapString NarrowedWithinLength(const wchar_t* text) {
+  std::string name;
+  if (!base::strings::to_active_code_page(text, name) || name.size() > std::wcslen(text)) return nullptr;
+  return DuplicateString<char>(name);
 }
 
 std::int32_t DecipheredInteger(Decrypter& decrypter, const AttributeReading& reading) {

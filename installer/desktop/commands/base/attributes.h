@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "installer/desktop/commands/base/heap_string.h"
 #include "ky/decrypter.h"
 #include "ky/install_command.h"
 #include "platform/ports/types.h"
@@ -49,6 +50,9 @@ class Attributes {
  private:
   AttributeMap* map_;
 };
+
+/// The text in the active code page; null where it does not convert, or takes more bytes than it has characters.
+[[nodiscard]] NarrowHeapString NarrowedWithinLength(const wchar_t* text);
 
 /// Deciphered text of a reading, as the attribute forms want it.
 [[nodiscard]] std::int32_t DecipheredInteger(Decrypter& decrypter, const AttributeReading& reading);

@@ -11,7 +11,6 @@
 #include "installer/utils/base/stop.h"
 #include "installer/utils/base/strings/case_fold.h"
 #include "installer/utils/base/strings/number.h"
-#include "installer/utils/base/strings/string_convert.h"
 
 namespace ky {
 
@@ -19,13 +18,6 @@ namespace {
 
 constexpr wchar_t log_name[] = L"Jump";
 constexpr std::uint32_t not_loaded = 1;
-
-/// The wide text narrowed; null where it does not convert, or takes more bytes than it has characters.
-NarrowHeapString narrowed(const wchar_t* text) {
-  std::string name;
-  if (!base::strings::to_active_code_page(text, name) || name.size() > std::wcslen(text)) return nullptr;
-  return DuplicateString<char>(name);
-}
 
 }  // namespace
 
@@ -49,7 +41,7 @@ std::uint32_t CJumpCommand::LoadCiphered(AttributeMap** map) {
 std::uint32_t CJumpCommand::LoadCondition(const Attributes& attributes, Decrypter& decrypter) {
   const AttributeReading name = attributes.Read(L"condition");
   if (!name.usable()) return static_cast<std::uint32_t>(name.present() ? name.read : name.found);
-  condition = narrowed(DecipherOrStop(decrypter, name.text.c_str()));
+  condition = NarrowedWithinLength(DecipherOrStop(decrypter, name.text.c_str()));
   if (!condition) return not_loaded;
 
   const AttributeReading where = attributes.Read(L"target");
@@ -69,7 +61,7 @@ std::uint32_t CJumpCommand::LoadComparison(const Attributes& attributes, Decrypt
   const wchar_t* const ciphered = hasValue ? compared.text.c_str() : nullptr;
   const AttributeReading by_name = attributes.Read(L"expValue");
   if (by_name.usable() && DecipheredInteger(decrypter, by_name) != 0) {
-    expValue = narrowed(DecipherOrStop(decrypter, ciphered));
+    expValue = NarrowedWithinLength(DecipherOrStop(decrypter, ciphered));
     return expValue ? ports::code::success : not_loaded;
   }
   value = base::strings::to_integer(DecipherOrStop(decrypter, ciphered));
