@@ -67,13 +67,18 @@ inline constexpr CommandSchema get_string_from_xml = {
     .log_name = "GetStringFromXml",
     .summary = "Reads one text out of an XML document by XPath.",
     .remarks =
-        R"(The text that is read is expanded before it is stored; where it names an undefined variable it is stored as it stands.
+        R"(The text that is read is expanded before it is stored; where it names an undefined variable it is stored
+as it stands.
 
-Without a match the result is 0 and `int_ReturnCode` is 1, which the process would end with: a script sets `ReturnCode` back to 0 behind a value that may be absent.
+Without a match the result is 0 and `int_ReturnCode` is 1, which the process would end with: a script sets
+`ReturnCode` back to 0 behind a value that may be absent.
 
 `xmlVar` must hold a document: an unset variable stops the process.
 
-`[Name]` in `xpath` is a variable, and the predicate `[Name]` looks the same. Where one pair of brackets names no variable the whole `xpath` stays as it is: a predicate works in an `xpath` without variables, and not beside one. `xpath` is expanded at the first run and stays as it is then; in a loop, later runs see the first run's values.)",
+`[Name]` in `xpath` is a variable, and the predicate `[Name]` looks the same. Where one pair of brackets
+names no variable the whole `xpath` stays as it is: a predicate works in an `xpath` without variables, and
+not beside one. `xpath` is expanded at the first run and stays as it is then; in a loop, later runs see
+the first run's values.)",
     .attributes = get_string_from_xml_attributes,
     .keys = get_string_from_xml_keys,
     .results = get_string_from_xml_results,
@@ -109,7 +114,9 @@ inline constexpr CommandSchema load_files_from_resources = {
     .log_name = "LoadFilesFromResources",
     .summary = "Copies documents out of the library into text variables.",
     .remarks =
-        R"(Documents are loaded in the order of their numbers, up to the first that is not there. Numbers may be missing, but a number is looked at only where it is smaller than the count of the element's attributes: number them from 1 on.
+        R"(Documents are loaded in the order of their numbers, up to the first that is not there. Numbers may be
+missing, but a number is looked at only where it is smaller than the count of the element's attributes:
+number them from 1 on.
 
 The edition's configuration is document 20005.)",
     .attributes = load_files_attributes,

@@ -27,11 +27,14 @@ inline constexpr CommandSchema delete_file = {
     .log_name = "CDeleteFileCommand",
     .summary = "Deletes one file, or moves it aside and books its deletion.",
     .remarks =
-        R"(Read-only files go too. A path with an undefined variable deletes nothing. `PathExists` behind it tells whether the file is gone.
+        R"(Read-only files go too. A path with an undefined variable deletes nothing. `PathExists` behind it tells
+whether the file is gone.
 
-The path is expanded at the first run and stays as it is then; in a loop, later runs see the first run's values.
+The path is expanded at the first run and stays as it is then; in a loop, later runs see the first run's
+values.
 
-The log has no begin and end lines for this command, and warns that the next index is asked for before it has run.)",
+The log has no begin and end lines for this command, and warns that the next index is asked for before it
+has run.)",
     .attributes = delete_file_attributes,
     .results = delete_file_results,
     .example = R"(<DeleteFile pathFile="[InstallPath]KyUI.exe" renameFile="1"/>)",
@@ -62,7 +65,8 @@ inline constexpr CommandSchema path_exists = {
     .remarks =
         R"(A path with an undefined variable is looked for as it stands, with its brackets.
 
-The path is expanded at the first run and stays as it is then; in a loop, later runs see the first run's values.)",
+The path is expanded at the first run and stays as it is then; in a loop, later runs see the first run's
+values.)",
     .attributes = path_exists_attributes,
     .results = path_exists_results,
     .example = R"(<PathExists path="[InstallPath]" variable="Installed"/>)",

@@ -26,7 +26,8 @@ inline constexpr CommandSchema evaluate = {
     .log_name = "Evaluate",
     .summary = "Computes an expression over integer variables and stores its value.",
     .remarks =
-        R"(Numbers have fractions while the expression is computed; what is stored or used bit by bit is cut towards zero, and what does not fit into 32 bits is -2147483648. An unset variable is 0.
+        R"(Numbers have fractions while the expression is computed; what is stored or used bit by bit is cut towards
+zero, and what does not fit into 32 bits is -2147483648. An unset variable is 0.
 
 | Level, loosest first | Operators |
 |---|---|
@@ -38,9 +39,14 @@ inline constexpr CommandSchema evaluate = {
 | 6 | `^` (power) |
 | 7 | `-` and `!` (not) in front; `!` (factorial) behind |
 
-All of them group from the left, `^` too. Operators in letters are in capitals; in small ones they are names of variables. Functions take one argument in brackets: `ABS` `EXP` `SQRT` `LOG` `LOG10` `SIN` `COS` `TAN` `ASIN` `ACOS` `ATAN`, angles in radians. `E` and `PI` are constants.
+All of them group from the left, `^` too. Operators in letters are in capitals; in small ones they are
+names of variables. Functions take one argument in brackets: `ABS` `EXP` `SQRT` `LOG` `LOG10` `SIN` `COS`
+`TAN` `ASIN` `ACOS` `ATAN`, angles in radians. `E` and `PI` are constants.
 
-An expression that does not parse is told in the log, and 0 is stored. What stands behind a complete value is not looked at: `1 2` is 1, and so is `1 & 2`. Signs that run together are one, which is no operator: `3!!` is 3, and `1 ++ 2` is 1. `<`, `>` and `&` have to be written as `&lt;`, `&gt;` and `&amp;` in a script.
+An expression that does not parse is told in the log, and 0 is stored. What stands behind a complete value
+is not looked at: `1 2` is 1, and so is `1 & 2`. Signs that run together are one, which is no operator:
+`3!!` is 3, and `1 ++ 2` is 1. `<`, `>` and `&` have to be written as `&lt;`, `&gt;` and `&amp;` in a
+script.
 
 A remainder by 0 stops the process; so does the remainder of -2147483648 by -1.)",
     .attributes = evaluate_attributes,
@@ -82,11 +88,14 @@ inline constexpr CommandSchema jump = {
     .log_name = "Jump",
     .summary = "Goes on elsewhere if a variable holds what is asked for.",
     .remarks =
-        R"(With neither `value` nor `strValue` the test is true where the integer is not 0. Where the test is false the run goes on at `next`, or at the command that follows. An unset integer is 0; an unset text equals nothing.
+        R"(With neither `value` nor `strValue` the test is true where the integer is not 0. Where the test is false
+the run goes on at `next`, or at the command that follows. An unset integer is 0; an unset text equals
+nothing.
 
 With both `value` and `strValue` the integer 0 is compared with `value`, and the variable is not read.
 
-A variable in `strValue` must be defined: an undefined one stops the process. `strValue` is expanded at the first run and stays as it is then; in a loop, later runs compare with that text.)",
+A variable in `strValue` must be defined: an undefined one stops the process. `strValue` is expanded at
+the first run and stays as it is then; in a loop, later runs compare with that text.)",
     .attributes = jump_attributes,
     .results = shape_results,
     .example = R"(<Jump condition="Installed" value="0" target="#end"/>)",

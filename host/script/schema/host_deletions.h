@@ -37,9 +37,12 @@ inline constexpr CommandSchema delete_folder = {
     .owner = Owner::host,
     .summary = "Deletes a folder, and what is in it if told to.",
     .remarks =
-        R"(It follows no link: a link in the folder goes itself, and what it points at stays. Drives' roots, the system's own folders and what holds them are refused, so that a variable that turns out empty never widens a deletion. `docs/host.md` has both in full.
+        R"(It follows no link: a link in the folder goes itself, and what it points at stays. Drives' roots, the
+system's own folders and what holds them are refused, so that a variable that turns out empty never widens
+a deletion. [The host](../host.md#deletions) has both in full.
 
-What is booked for the next start goes by path at that time: book nothing below a folder that users may change.)",
+What is booked for the next start goes by path at that time: book nothing below a folder that users may
+change.)",
     .attributes = delete_folder_attributes,
     .results = delete_folder_results,
     .example = R"(<DeleteFolder path="[InstallPath]" recursive="1" deleteAfterReboot="1" moveToTemp="1"/>)",
@@ -83,7 +86,9 @@ inline constexpr CommandSchema delete_reg_key = {
     .owner = Owner::host,
     .summary = "Deletes a registry key, and the keys below it if told to.",
     .remarks =
-        R"(It follows no link. Hives and the great branches that products lie below are refused, and so is an empty part of a key, so that a variable that turns out empty never widens a deletion; a closing backslash makes no difference. `docs/host.md` has all of it.)",
+        R"(It follows no link. Hives and the great branches that products lie below are refused, and so is an empty
+part of a key, so that a variable that turns out empty never widens a deletion; a closing backslash makes
+no difference. [The host](../host.md#deletions) has all of it.)",
     .attributes = delete_reg_key_attributes,
     .results = delete_reg_key_results,
     .example = R"(<DeleteRegKey base="HKEY_LOCAL_MACHINE" subkey="SOFTWARE\Tavrine\" recursive="1"/>)",
@@ -108,7 +113,7 @@ inline constexpr CommandSchema delete_reg_value = {
     .log_name = "DeleteRegValue",
     .owner = Owner::host,
     .summary = "Deletes a registry value.",
-    .remarks = "It follows no link.",
+    .remarks = "It follows no link. [The host](../host.md#deletions) has all of it.",
     .attributes = delete_reg_value_attributes,
     .results = delete_reg_value_results,
     .example =

@@ -58,9 +58,11 @@ A result other than 0 does not stop a run by itself: `errVar` keeps it for a `Ju
 
 ## Variables
 
-A variable is a key of the host's store. Scripts name it without its prefix: integers live under `int_`, texts under `String_`, so `Found` may be both. An integer that was never put is 0.
+A variable is a key of the host's store. Scripts name it without its prefix: integers live under `int_`, texts under
+`String_`, so `Found` may be both. An integer that was never put is 0.
 
-Where an attribute is expanded, `[Name]` stands for the text of `String_Name`, which may hold such forms itself. Each page tells what the command makes of an undefined one.
+Where an attribute is expanded, `[Name]` stands for the text of `String_Name`, which may hold such forms itself. Each
+page tells what the command makes of an undefined one.
 
 Before the first command there are )" +
          listed(host::keys_put_by_host()) + R"(. Paths among them end in exactly one backslash.
@@ -82,7 +84,8 @@ A value has at most )" +
 
 It knows numbered attributes up to )" +
          std::to_string(greatest_family_number) +
-         R"(. `ky script check` is the authority: it takes any number, counts bytes, and follows ways and values.
+         R"(. `ky script check` is the authority: it takes any number, counts bytes, and
+follows ways and values.
 )";
 }
 
