@@ -1,12 +1,12 @@
 #include "platform/machine/code_pages.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <string>
 #include <string_view>
 
 #include "installer/utils/base/strings/utf8.h"
+#include "installer/utils/base/strings/windows_1252.h"
 #include "platform/ports/codes.h"
 #include "platform/ports/system.h"
 
@@ -19,18 +19,14 @@ namespace {
 constexpr std::uint32_t code_page_1252 = 1252;
 constexpr std::uint32_t refuse_ill_formed = 8;  // MB_ERR_INVALID_CHARS
 
-// What 1252 has at 0x80 to 0x9F. The five bytes that it leaves open stand for themselves.
-constexpr std::array<wchar_t, 32> upper = {0x20AC, 0x81,   0x201A, 0x192,  0x201E, 0x2026, 0x2020, 0x2021,
-                                           0x2C6,  0x2030, 0x160,  0x2039, 0x152,  0x8D,   0x17D,  0x8F,
-                                           0x90,   0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
-                                           0x2DC,  0x2122, 0x161,  0x203A, 0x153,  0x9D,   0x17E,  0x178};
+using base::strings::windows_1252_upper;
 
 [[nodiscard]] std::wstring from_1252(std::string_view text) {
   std::wstring out;
   out.reserve(text.size());
   for (const char c : text) {
     const auto byte = static_cast<unsigned char>(c);
-    out.push_back(byte >= 0x80 && byte < 0xA0 ? upper[byte - 0x80U] : static_cast<wchar_t>(byte));
+    out.push_back(byte >= 0x80 && byte < 0xA0 ? windows_1252_upper[byte - 0x80U] : static_cast<wchar_t>(byte));
   }
   return out;
 }
@@ -43,9 +39,9 @@ constexpr std::array<wchar_t, 32> upper = {0x20AC, 0x81,   0x201A, 0x192,  0x201
       out.push_back(static_cast<char>(unit));
       continue;
     }
-    const auto* const found = std::find(upper.begin(), upper.end(), unit);
-    if (found != upper.end()) {
-      out.push_back(static_cast<char>(static_cast<unsigned char>(0x80 + (found - upper.begin()))));
+    const auto* const found = std::find(windows_1252_upper.begin(), windows_1252_upper.end(), unit);
+    if (found != windows_1252_upper.end()) {
+      out.push_back(static_cast<char>(static_cast<unsigned char>(0x80 + (found - windows_1252_upper.begin()))));
     } else {
       const bool there = unit >= 0xA0 && unit < 0x100;
       out.push_back(there ? static_cast<char>(static_cast<unsigned char>(unit)) : '?');

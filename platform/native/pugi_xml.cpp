@@ -1,10 +1,15 @@
 #include "platform/native/pugi_xml.h"
 
+#include <optional>
 #include <pugixml.hpp>
 #include <string>
+#include <utility>
 
 #include "installer/utils/base/strings/utf8.h"
+#include "platform/native/node_text.h"
 #include "platform/native/well_formed.h"
+#include "platform/native/xml_encoding.h"
+#include "platform/native/xpath_text.h"
 #include "platform/ports/codes.h"
 
 namespace native {
@@ -14,8 +19,10 @@ namespace {
 /// A document and the count of what keeps it. One thread at a time for one document, so that the count is a plain one.
 struct Document {
   std::uint32_t references = 0;
-  bool keeps_white_space = true;
   pugi::xml_document xml;
+  /// The text of a document that drops white space, see `text_of`.
+  std::string source;
+  bool namespaces = false;
 };
 
 class DocumentOwner {
@@ -26,8 +33,8 @@ class DocumentOwner {
   ~DocumentOwner() {
     if (--document_->references == 0) delete document_;
   }
-  [[nodiscard]] pugi::xml_document& xml() const { return document_->xml; }
-  [[nodiscard]] bool keeps_white_space() const { return document_->keeps_white_space; }
+  [[nodiscard]] Document* get() const { return document_; }
+  Document* operator->() const { return document_; }
 
  private:
   Document* document_;
@@ -39,7 +46,7 @@ class DocumentOwner {
 
 namespace ports {
 
-/// An element, the document itself, or an attribute (then `node` is its element).
+/// A node of the tree, or an attribute (then `node` is its element).
 struct XmlNode {
   std::uint32_t references = 1;
   native::DocumentOwner document;
@@ -88,13 +95,6 @@ bool same_name(const char* utf8, const wchar_t* wide) {
   return *wide == L'\0';
 }
 
-void append_text(pugi::xml_node node, std::string& out) {
-  for (const pugi::xml_node child : node.children()) {
-    if (child.type() == pugi::node_pcdata || child.type() == pugi::node_cdata) out.append(child.value());
-    append_text(child, out);
-  }
-}
-
 std::wstring place_and_reason(std::string_view utf8, std::size_t offset, const char* what) {
   std::size_t line = 1;
   std::size_t column = 1;
@@ -125,62 +125,85 @@ std::int32_t kind_of(const XmlNode& node) {
   }
 }
 
-Result load(pugi::xml_document& document, std::string_view utf8, unsigned flags, std::wstring& reason) {
-  if (!base::strings::is_utf8(utf8)) {
-    reason = L"the text is not UTF-8";
-    return code::nothing;
-  }
-  const pugi::xml_parse_result result = document.load_buffer(utf8.data(), utf8.size(), flags, pugi::encoding_utf8);
+constexpr unsigned all_kinds = pugi::parse_default | pugi::parse_comments | pugi::parse_pi;
+
+/// What the text says, once pugixml has taken it; otherwise `reason`.
+std::optional<XmlFindings> parse_into(Document& document, std::string_view utf8, unsigned flags, std::wstring* reason) {
+  const pugi::xml_parse_result result = document.xml.load_buffer(utf8.data(), utf8.size(), flags, pugi::encoding_utf8);
   if (!result) {
-    reason = place_and_reason(utf8, static_cast<std::size_t>(result.offset), result.description());
-    return code::nothing;
+    if (reason != nullptr) {
+      *reason = place_and_reason(utf8, static_cast<std::size_t>(result.offset), result.description());
+    }
+    return std::nullopt;
   }
-  if (const auto fault = find_xml_fault(utf8)) {
-    reason = place_and_reason(utf8, fault->offset, fault->what);
-    return code::nothing;
+  const XmlFindings findings = examine_xml(utf8);
+  if (findings.fault && reason != nullptr) {
+    *reason = place_and_reason(utf8, findings.fault->offset, findings.fault->what);
   }
-  return code::ok;
+  return findings.fault ? std::nullopt : std::optional(findings);
 }
 
-std::string_view trimmed(std::string_view text) {
-  static constexpr std::string_view space = " \t\r\n";
-  const std::size_t begin = text.find_first_not_of(space);
-  return begin == std::string_view::npos ? std::string_view()
-                                         : text.substr(begin, text.find_last_not_of(space) - begin + 1);
+/// Fills a document that drops white space; it is empty where the text is not well-formed.
+Result load(Document& document, std::string utf8) {
+  document.source = std::move(utf8);
+  const auto findings = parse_into(document, document.source, all_kinds, nullptr);
+  if (!findings) {
+    document.xml.reset();
+    return code::nothing;
+  }
+  document.namespaces = findings->namespaces;
+  if (findings->space_rules) {
+    document.xml.load_buffer(document.source.data(), document.source.size(), all_kinds | pugi::parse_ws_pcdata,
+                             pugi::encoding_utf8);
+    drop_white_space(document.xml, false);
+  }
+  return code::ok;
 }
 
 }  // namespace
 
 Result PugiXml::parse(std::string_view utf8, XmlNode*& document, std::wstring& reason) {
   document = nullptr;
+  if (!base::strings::is_utf8(utf8)) {
+    reason = L"the text is not UTF-8";
+    return code::nothing;
+  }
   const DocumentOwner parsed(*new Document);
-  const Result result = load(parsed.xml(), utf8, pugi::parse_default, reason);
-  if (result == code::ok) document = new XmlNode{1, parsed, parsed.xml(), {}};
-  return result;
+  if (!parse_into(*parsed.get(), utf8, pugi::parse_default, &reason)) return code::nothing;
+  document = new XmlNode{1, parsed, parsed->xml, {}};
+  return code::ok;
 }
 
 Result PugiXml::create_document(XmlNode*& document) {
-  const DocumentOwner made(*new Document{0, false, {}});
-  document = new XmlNode{1, made, made.xml(), {}};
+  const DocumentOwner made(*new Document);
+  document = new XmlNode{1, made, made->xml, {}};
   return code::ok;
 }
 
 Result PugiXml::load_text(XmlNode* document, std::wstring_view text) {
-  std::wstring reason;
-  return load(document->document.xml(), base::strings::to_utf8(text), pugi::parse_default | pugi::parse_comments,
-              reason);
+  if (text.starts_with(L'\xFEFF')) text.remove_prefix(1);
+  std::string utf8 = base::strings::to_utf8(text);
+  // The conversion puts this character where a surrogate has no partner.
+  const bool suspicious = utf8.find("\xEF\xBF\xBD") != std::string::npos;
+  if (suspicious && !base::strings::is_utf16(text)) utf8.clear();
+  return load(*document->document.get(), std::move(utf8));
 }
 
 Result PugiXml::load_bytes(XmlNode* document, std::string_view bytes) {
-  std::wstring reason;
-  return load(document->document.xml(), bytes, pugi::parse_default | pugi::parse_comments, reason);
+  std::string utf8 = document_to_utf8(bytes).value_or(std::string());
+  if (!base::strings::is_utf8(utf8)) utf8.clear();
+  return load(*document->document.get(), std::move(utf8));
 }
 
 Result PugiXml::select_single_node(XmlNode* from, const wchar_t* xpath, XmlNode*& out) {
   out = nullptr;
+  const auto text = xpath_for_pugixml(base::strings::to_utf8(xpath), from->document->namespaces);
+  if (!text) return code::fail;
   try {
-    const pugi::xpath_query query(base::strings::to_utf8(xpath).c_str());
-    const pugi::xpath_node found = query.evaluate_node(from->node);
+    const pugi::xpath_query query(text->c_str());
+    const pugi::xpath_node start =
+        from->attribute ? pugi::xpath_node(from->attribute, from->node) : pugi::xpath_node(from->node);
+    const pugi::xpath_node found = query.evaluate_node(start);
     if (!found) return code::nothing;
     out = new XmlNode{1, from->document, found.attribute() ? found.parent() : found.node(), found.attribute()};
     return code::ok;
@@ -195,7 +218,7 @@ Result PugiXml::node_type(XmlNode* node, std::int32_t& out) {
 }
 
 Result PugiXml::root(XmlNode* document, XmlNode*& element) {
-  return hand_out(*document, document->document.xml().document_element(), element);
+  return hand_out(*document, document->document->xml.document_element(), element);
 }
 
 Result PugiXml::first_element(XmlNode* parent, XmlNode*& element) {
@@ -212,15 +235,11 @@ Result PugiXml::name(XmlNode* node, std::wstring& out) {
 }
 
 Result PugiXml::text(XmlNode* node, std::wstring& out) {
-  const bool whole = node->document.keeps_white_space();
   if (node->attribute) {
-    const std::string_view value = node->attribute.value();
-    base::strings::to_wide(whole ? value : trimmed(value), out);
-    return code::ok;
+    base::strings::to_wide(node->attribute.value(), out);
+  } else {
+    base::strings::to_wide(text_of(node->node, node->document->source), out);
   }
-  std::string text(node->node.value());
-  append_text(node->node, text);
-  base::strings::to_wide(whole ? text : trimmed(text), out);
   return code::ok;
 }
 

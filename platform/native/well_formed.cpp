@@ -11,6 +11,9 @@ namespace native {
 
 namespace {
 
+/// As many levels as MSXML takes; whoever walks down a document may do so by recursion.
+constexpr std::size_t most_levels = 256;
+
 constexpr std::string_view space = " \t\r\n";
 
 /// A set of characters to stop at, with one look for each character passed: the whole text goes by here.
@@ -29,23 +32,79 @@ class Stops {
   std::array<bool, 256> stops_{};
 };
 
-constexpr Stops markup_or_reference("<&");
-constexpr Stops after_element_name(" \t\r\n/>");
-constexpr Stops after_attribute_name(" \t\r\n=");
+constexpr Stops markup_or_reference("<&]");
+constexpr Stops after_element_name(" \t\r\n/>:");
+constexpr Stops after_attribute_name(" \t\r\n=:");
 constexpr Stops quotes("\"'");
+
+bool is_xml_character(std::uint32_t value) {
+  const bool control = value < 0x20 && value != '\t' && value != '\n' && value != '\r';
+  return !control && (value < 0xD800 || value > 0xDFFF) && value != 0xFFFE && value != 0xFFFF && value <= 0x10FFFF;
+}
+
+/// The place of the first character that XML does not have, in UTF-8; npos where all are well.
+std::size_t bad_character(std::string_view text) {
+  unsigned controls = 0;  // counted first: without a branch many bytes go by at a time
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    controls += static_cast<unsigned>(byte < 0x20) & static_cast<unsigned>(byte != '\t') &
+                static_cast<unsigned>(byte != '\n') & static_cast<unsigned>(byte != '\r');
+  }
+  if (controls != 0) {
+    const auto* const found =
+        std::find_if(text.begin(), text.end(), [](char c) { return !is_xml_character(static_cast<unsigned char>(c)); });
+    return static_cast<std::size_t>(found - text.begin());
+  }
+  for (std::size_t at = text.find("\xEF\xBF"); at != std::string_view::npos; at = text.find("\xEF\xBF", at + 1)) {
+    const auto last = static_cast<unsigned char>(text.substr(at + 2).front());
+    if (last >= 0xBE) return at;  // U+FFFE and U+FFFF
+  }
+  return std::string_view::npos;
+}
+
+/// Takes white space, `key`, "=" and a quoted value from the front of `text`; the value, or nothing where they are not
+/// there.
+std::optional<std::string_view> take(std::string_view& text, std::string_view key) {
+  std::string_view rest = text;
+  const auto skip_space = [&rest] { rest.remove_prefix(std::min(rest.find_first_not_of(space), rest.size())); };
+  skip_space();
+  if (rest.size() == text.size() || !rest.starts_with(key)) return std::nullopt;
+  rest.remove_prefix(key.size());
+  skip_space();
+  if (!rest.starts_with('=')) return std::nullopt;
+  rest.remove_prefix(1);
+  skip_space();
+  if (!rest.starts_with('"') && !rest.starts_with('\'')) return std::nullopt;
+  const std::size_t end = rest.find(rest.front(), 1);
+  if (end == std::string_view::npos) return std::nullopt;
+  text = rest.substr(end + 1);
+  return rest.substr(1, end - 1);
+}
+
+/// `text` begins with "<?xml"; its "?>" is left out.
+bool is_declaration(std::string_view text) {
+  text.remove_prefix(5);
+  if (take(text, "version") != "1.0") return false;
+  static_cast<void>(take(text, "encoding"));
+  const auto standalone = take(text, "standalone");
+  return (!standalone || standalone == "yes" || standalone == "no") &&
+         text.find_first_not_of(space) == std::string_view::npos;
+}
 
 /// Goes over the text once. pugixml took it, so that every construct is known to end.
 class Scanner {
  public:
   explicit Scanner(std::string_view text) : text_(text) {}
 
-  std::optional<XmlFault> run() {
-    if (text_.starts_with("\xEF\xBB\xBF")) at_ = 3;
+  XmlFindings run() {
+    if (text_.starts_with("\xEF\xBB\xBF")) begin_ = at_ = 3;
+    if (const std::size_t bad = bad_character(text_); bad != std::string_view::npos)
+      fail(bad, "a character that XML does not have");
     while (!fault_ && at_ < text_.size()) {
       content();
       if (!fault_ && at_ < text_.size()) markup();
     }
-    return fault_;
+    return std::move(findings_);
   }
 
  private:
@@ -70,8 +129,14 @@ class Scanner {
         const std::size_t other = text_.find_first_not_of(space, begin);
         if (other < at_ || at("&")) return fail(std::min(other, at_), "text outside of the root element");
       }
-      if (!at("&")) return;
-      reference();
+      if (at("]]>")) return fail(at_, "\"]]>\" in a text");
+      if (at("]")) {
+        ++at_;
+      } else if (at("&")) {
+        reference();
+      } else {
+        return;
+      }
     }
   }
 
@@ -91,44 +156,100 @@ class Scanner {
     const char* const end = digits.data() + digits.size();
     std::uint32_t value = 0;
     const auto [stop, error] = std::from_chars(digits.data(), end, value, hexadecimal ? 16 : 10);
-    return error == std::errc() && stop == end && value != 0 && value <= 0x10FFFF && (value < 0xD800 || value > 0xDFFF);
+    return error == std::errc() && stop == end && is_xml_character(value);
   }
 
   void markup() {
     if (at("<!--")) {
-      skip_past("-->");
+      comment();
     } else if (at("<![CDATA[")) {
       skip_past("]]>");
     } else if (at("<?")) {
-      skip_past("?>");
+      instruction();
     } else if (at("<!")) {
       fail(at_, "a document type is not allowed");
     } else if (at("</")) {
-      --depth_;
+      end_element();
       skip_past(">");
     } else {
       start_tag();
     }
   }
 
+  void comment() {
+    const std::size_t dashes = text_.find("--", at_ + 4);
+    if (dashes == std::string_view::npos || text_.substr(dashes + 2, 1) != ">")
+      return fail(dashes, "\"--\" in a comment");
+    at_ = dashes + 3;
+  }
+
+  void instruction() {
+    const std::string_view target = text_.substr(at_ + 2, 4);
+    const bool declares = target.size() == 4 && (target[0] | 0x20) == 'x' && (target[1] | 0x20) == 'm' &&
+                          (target[2] | 0x20) == 'l' &&
+                          (space.find(target[3]) != std::string_view::npos || target[3] == '?');
+    const std::size_t end = text_.find("?>", at_);
+    if (declares && (at_ != begin_ || !is_declaration(text_.substr(at_, end - at_)))) {
+      return fail(at_, "a bad or misplaced declaration");
+    }
+    at_ = end + 2;
+  }
+
   void start_tag() {
     if (depth_ == 0 && roots_++ != 0) return fail(at_, "a second root element");
+    const std::size_t begin = at_++;
+    if (++depth_ > most_levels) return fail(begin, "elements are nested too deeply");
     names_.clear();
-    at_ = after_element_name.next(text_, at_);
+    used_.clear();
+    name(after_element_name);
     while (!fault_ && at_ < text_.size()) {
       at_ = std::min(text_.find_first_not_of(space, at_), text_.size());
       if (at(">") || at("/")) break;
       attribute();
     }
+    for (const std::string_view prefix : used_) {
+      if (!is_declared(prefix)) fail(begin, "an undeclared prefix");
+    }
     if (fault_) return;  // The place is then no longer one in the text.
-    if (!at("/")) ++depth_;
+    if (at("/")) end_element();
     skip_past(">");
+  }
+
+  void end_element() {
+    while (!declared_.empty() && declared_.back().depth == depth_) declared_.pop_back();
+    --depth_;
+  }
+
+  /// Goes behind a name and notes what it says of namespaces.
+  std::string_view name(const Stops& ends) {
+    const std::size_t begin = at_;
+    at_ = ends.next(text_, at_);
+    if (!at(":")) return text_.substr(begin, at_ - begin);
+    const std::string_view prefix = text_.substr(begin, at_ - begin);
+    const std::size_t local = ++at_;
+    at_ = ends.next(text_, at_);
+    if (at(":") || at_ == local || prefix.empty()) fail(begin, "a bad name");
+    if (prefix == "xmlns") {
+      declared_.push_back({text_.substr(local, at_ - local), depth_});
+      findings_.namespaces = true;
+    } else {
+      used_.push_back(prefix);
+    }
+    return text_.substr(begin, at_ - begin);
+  }
+
+  bool is_declared(std::string_view prefix) const {
+    return prefix == "xml" || std::any_of(declared_.begin(), declared_.end(),
+                                          [prefix](const Declared& each) { return each.prefix == prefix; });
   }
 
   void attribute() {
     const std::size_t begin = at_;
-    at_ = after_attribute_name.next(text_, at_);
-    const std::string_view name = text_.substr(begin, at_ - begin);
+    const std::string_view name = this->name(after_attribute_name);
+    if (name.starts_with("xml")) {
+      findings_.namespaces = findings_.namespaces || name == "xmlns";
+      findings_.space_rules = findings_.space_rules || name == "xml:space";
+    }
     if (std::find(names_.begin(), names_.end(), name) != names_.end())
       return fail(begin, "an attribute is given twice");
     names_.push_back(name);
@@ -141,17 +262,26 @@ class Scanner {
     at_ = std::min(end + 1, text_.size());  // Behind the closing quote.
   }
 
+  struct Declared {
+    std::string_view prefix;
+    std::size_t depth;
+  };
+
   const std::string_view text_;
+  std::size_t begin_ = 0;
   std::size_t at_ = 0;
   std::size_t depth_ = 0;
   std::size_t roots_ = 0;
   std::vector<std::string_view> names_;
-  std::optional<XmlFault> fault_;
+  std::vector<std::string_view> used_;  // prefixes of the start tag
+  std::vector<Declared> declared_;
+  XmlFindings findings_;
+  std::optional<XmlFault>& fault_ = findings_.fault;
 };
 
 }  // namespace
 
-std::optional<XmlFault> find_xml_fault(std::string_view utf8) {
+XmlFindings examine_xml(std::string_view utf8) {
   return Scanner(utf8).run();
 }
 

@@ -11,8 +11,17 @@ struct XmlFault {
   const char* what = "";
 };
 
-/// The first fault that pugixml lets pass and MSXML does not: a second root or text beside the root, an attribute given
-/// twice, "<" in a value, an unknown reference, a document type. For text that pugixml took; none where it is sound.
-[[nodiscard]] std::optional<XmlFault> find_xml_fault(std::string_view utf8);
+/// What one look over a document's text finds.
+struct XmlFindings {
+  std::optional<XmlFault> fault;
+  bool namespaces = false;   // some are declared
+  bool space_rules = false;  // `xml:space` is used
+};
+
+/// Finds the first fault that pugixml lets pass and MSXML does not: a second root or text beside the root, an attribute
+/// given twice, "<" in a value, an unknown reference, a character that XML does not have, "]]>" in a text, "--" in a
+/// comment, a bad or misplaced declaration, an undeclared prefix, more than 256 levels, a document type. For UTF-8 that
+/// pugixml took.
+[[nodiscard]] XmlFindings examine_xml(std::string_view utf8);
 
 }  // namespace native

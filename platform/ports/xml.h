@@ -38,19 +38,22 @@ class Xml {
   [[nodiscard]] virtual Result parse(std::string_view utf8, XmlNode*& document, std::wstring& reason) = 0;
 
   /// CoCreateInstance of the document: an empty one, to be loaded by one of the two operations that follow. It treats
-  /// white space as is the default: texts of white space alone are dropped, and `text` trims.
+  /// white space as is the default: texts of white space alone are dropped. `class_not_registered` where there is no
+  /// engine.
   [[nodiscard]] virtual Result create_document(XmlNode*& document) = 0;
 
-  /// IXMLDOMDocument::loadXML. 1 where the text is not well-formed. What encoding it declares does not matter.
+  /// IXMLDOMDocument::loadXML. 1 where the text is not well-formed, has more than 256 levels or a document type; the
+  /// document is then empty. A byte order mark is passed over, and so is the encoding that the text declares.
   [[nodiscard]] virtual Result load_text(XmlNode* document, std::wstring_view text) = 0;
 
-  /// IXMLDOMDocument::load from memory: UTF-8 with or without byte order mark, UTF-16 with one, or the encoding that
-  /// the document declares, of which UTF-8, ISO-8859-1 and windows-1252 are known everywhere. 1 where the bytes are not
-  /// well-formed or the encoding is unknown.
+  /// The same from a file's bytes (IXMLDOMDocument::load): UTF-8 with or without byte order mark, UTF-16 with one, or
+  /// the encoding that they declare, of which UTF-8, US-ASCII, ISO-8859-1 and windows-1252 are known everywhere. 1 also
+  /// where they are not of that encoding or it is unknown.
   [[nodiscard]] virtual Result load_bytes(XmlNode* document, std::string_view bytes) = 0;
 
-  /// IXMLDOMNode::selectSingleNode: the first node in document order. Negative (`fail`) for an XPath 1.0 expression
-  /// that does not parse, that gives no node set or that uses a prefix: none is bound to a namespace.
+  /// IXMLDOMNode::selectSingleNode: the first node in document order; 1 and null where nothing matches. Negative
+  /// (`fail`) for an expression that does not parse as XPath 1.0, gives no node set, is nested too deeply (always up to
+  /// 100 levels, never beyond 1,024), or uses a prefix other than "xml": none is bound to a namespace.
   [[nodiscard]] virtual Result select_single_node(XmlNode* from, const wchar_t* xpath, XmlNode*& out) = 0;
 
   /// IXMLDOMNode::get_nodeType: one of `node_kind`.
@@ -66,8 +69,10 @@ class Xml {
   /// IXMLDOMNode::get_nodeName, of an element or attribute.
   [[nodiscard]] virtual Result name(XmlNode* node, std::wstring& out) = 0;
 
-  /// IXMLDOMNode::get_text: of an element, the texts of all descendants. Where the document keeps white space, the text
-  /// is as it stands; otherwise it is trimmed at both ends.
+  /// IXMLDOMNode::get_text. An attribute's text is its value as it stands. That of a node of `create_document` is the
+  /// texts of all descendants but comments, trimmed at both ends: CDATA is not trimmed, one blank stands for dropped
+  /// white space between two texts, and `xml:space` is heeded. An element's text in a document of `parse` is not for
+  /// use.
   [[nodiscard]] virtual Result text(XmlNode* node, std::wstring& out) = 0;
 
   /// IXMLDOMNode::get_attributes: 1 and null for what is no element.
