@@ -6,6 +6,7 @@
 
 #include "host/script/script_key.h"
 #include "tools/ky/bad_input.h"
+#include "tools/ky/check/check_files.h"
 #include "tools/ky/command_line.h"
 #include "tools/ky/desk_engines.h"
 #include "tools/ky/keys/new_keys.h"
@@ -41,7 +42,9 @@ struct Work {
     script::decompile_file(options.in, key_of(options.script_key), options.out);
     return 0;
   }
-  int operator()(const ScriptCheckOptions&) const { throw BadInput("ky script check: under way"); }
+  int operator()(const ScriptCheckOptions& options) const {
+    return check::check_files(options, key_of(options.script_key), out, err);
+  }
   int operator()(const ScriptGraphOptions&) const { throw BadInput("ky script graph: under way"); }
   int operator()(const RehearseOptions& options) const { return rehearse(options, out, err); }
   int operator()(const RunOptions& options) const { return run(options, out, err); }

@@ -1,5 +1,6 @@
 #include "tools/ky/script/element_check.h"
 
+#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -23,6 +24,7 @@ class ElementCheck {
     }
     for (const PlainAttribute& attribute : element_.attributes) {
       check_length(attribute, host::longest_plain_value, attribute.value.size(), "bytes");
+      if (schema != nullptr && attribute.name != id_attribute) check_attribute(*schema, attribute);
     }
     if (schema != nullptr) check_presence(*schema);
   }
@@ -37,6 +39,36 @@ class ElementCheck {
     fault(attribute.at, rule::long_value,
           quoted(attribute.name) + " has " + std::to_string(length) + ' ' + unit + ", and a value may have " +
               std::to_string(longest));
+  }
+
+  void check_attribute(const host::CommandSchema& command, const PlainAttribute& attribute) {
+    const host::AttributeSchema* const schema = host::find_attribute(command, attribute.name).schema;
+    if (schema == nullptr) {
+      fault(attribute.at, rule::unknown_attribute,
+            "<" + element_.name + "> has no attribute " + quoted(attribute.name));
+      return;
+    }
+    if (schema->longest != 0) {
+      check_length(attribute, schema->longest, base::strings::to_wide(attribute.value).size(), "characters");
+    }
+    const bool number = schema->form == host::Form::integer || schema->form == host::Form::flag ||
+                        (schema->form == host::Form::integer_or_name && !is_name_here(element_, *schema));
+    // `index` is judged with the whole script, like `next` and `target`.
+    if (number && attribute.name != "index" && !whole_integer(attribute.value).has_value()) {
+      fault(attribute.at, rule::bad_number,
+            quoted(attribute.name) + " is " + quoted(attribute.value) + " and must be a number of 32 bits");
+    }
+    check_choice(*schema, attribute);
+  }
+
+  void check_choice(const host::AttributeSchema& schema, const PlainAttribute& attribute) {
+    const auto& choices = schema.choices;
+    if (choices.empty() || std::find(choices.begin(), choices.end(), attribute.value) != choices.end()) return;
+    if (schema.expanded && attribute.value.find('[') != std::string::npos) return;
+    std::string all;
+    for (const std::string_view choice : choices) all.append(all.empty() ? "" : ", ").append(choice);
+    fault(attribute.at, rule::bad_choice,
+          quoted(attribute.name) + " is " + quoted(attribute.value) + " and must be one of " + all);
   }
 
   void check_presence(const host::CommandSchema& command) {
@@ -56,8 +88,8 @@ void check_element(const PlainElement& element, std::vector<Fault>& faults) {
   ElementCheck(element, faults).run();
 }
 
-bool is_name_here(const PlainElement& element) {
-  const PlainAttribute* const by_name = element.find("expValue");
+bool is_name_here(const PlainElement& element, const host::AttributeSchema& schema) {
+  const PlainAttribute* const by_name = element.find(schema.name_with);
   return by_name != nullptr && whole_integer(by_name->value).value_or(0) != 0;
 }
 

@@ -38,11 +38,12 @@ class Resolver {
     for (std::size_t i = 0; i < script_.elements.size(); ++i) resolve_ways(i);
     // Where an index is not known, every way past it would look lost as well.
     if (indexes_known_) check_ways();
-    return {std::move(script_), std::move(points_), std::move(faults_)};
+    return {std::move(script_), std::move(points_), std::move(faults_), ways_known_};
   }
 
  private:
   void fault(Position at, std::string_view rule, std::string reason) {
+    ways_known_ = false;
     faults_.push_back({at, std::move(reason), rule});
   }
 
@@ -126,6 +127,7 @@ class Resolver {
   std::int32_t previous_index_ = -1;
   std::int32_t last_index_ = -1;
   bool indexes_known_ = true;
+  bool ways_known_ = true;
 };
 
 }  // namespace

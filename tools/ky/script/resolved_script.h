@@ -30,6 +30,7 @@ struct Structure {
   PlainScript script;  // without ids, every `#id` that is known replaced by the element's index in decimal
   std::vector<host::FlowPoint> points;  // one an element
   std::vector<Fault> faults;            // all that keeps the script from being compiled, in no order
+  bool ways_known = true;               // every way in `points` leads to a command or to the end
 };
 [[nodiscard]] Structure examine(PlainScript script);
 

@@ -24,6 +24,7 @@ inline constexpr std::string_view undecipherable = "undecipherable";
 inline constexpr std::string_view unknown_element = "unknown-element";
 inline constexpr std::string_view unknown_attribute = "unknown-attribute";
 inline constexpr std::string_view missing_attribute = "missing-attribute";
+inline constexpr std::string_view bad_choice = "bad-choice";
 inline constexpr std::string_view bad_number = "bad-number";
 inline constexpr std::string_view long_value = "long-value";
 inline constexpr std::string_view bad_id = "bad-id";
