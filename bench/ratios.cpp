@@ -25,12 +25,14 @@ struct Target {
   const char* measured;
   const char* floor;  // null: the limit is in microseconds
   double limit;
+  bool times_faster = false;  // than the floor: the limit is the least
 };
 
 constexpr Target targets[] = {
     {"script to loaded commands, times its floor", "load_script", "load_script_floor", 2.5},
     {"script to loaded commands, microseconds", "load_script", nullptr, 2000},
     {"expansion of ten variables, times a single pass", "expand_ten", "expand_ten_floor", 3},
+    {"one expression, times faster than muParser", "evaluate_once", "evaluate_once_muparser", 20, true},
     {"the edition's whole rehearsal, microseconds", "rehearse_edition", nullptr, 100'000},
 };
 
@@ -51,10 +53,12 @@ int main(int argc, char** argv) {
   for (const Target& target : targets) {
     if (medians.medians.count(target.measured) == 0) continue;
     const double floor = target.floor == nullptr ? 1 : medians.medians[target.floor];
-    const double figure = medians.medians[target.measured] / floor;
-    const bool met = figure <= target.limit;
+    const double measured = medians.medians[target.measured];
+    const double figure = target.times_faster ? floor / measured : measured / floor;
+    const bool met = target.times_faster ? figure >= target.limit : figure <= target.limit;
     missed += met ? 0 : 1;
-    std::printf("%-52s %10.2f  (at most %g)%s\n", target.what, figure, target.limit, met ? "" : "  MISSED");
+    std::printf("%-52s %10.2f  (at %s %g)%s\n", target.what, figure, target.times_faster ? "least" : "most",
+                target.limit, met ? "" : "  MISSED");
   }
   return missed == 0 ? 0 : 1;
 }
