@@ -16,6 +16,7 @@
   FACTORY(DeleteFile, CDeleteFileCommand) \
   FACTORY(Evaluate, CEvaluateCommand) \
   FACTORY(GetDateTime, CGetDateTimeCommand) \
+  FACTORY(GetStringFromXml, CGetStringFromXmlCommand) \
   FACTORY(Jump, CJumpCommand) \
   FACTORY(LoadFilesFromResources, CLoadFilesFromResourcesCommand) \
   FACTORY(Nop, CNopCommand) \

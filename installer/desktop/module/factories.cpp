@@ -2,6 +2,7 @@
 
 #include "installer/desktop/commands/data/evaluatecommand.h"
 #include "installer/desktop/commands/data/getdatetimecommand.h"
+#include "installer/desktop/commands/data/getstringfromxmlcommand.h"
 #include "installer/desktop/commands/data/loadfilesfromresourcescommand.h"
 #include "installer/desktop/commands/files/deletefilecommand.h"
 #include "installer/desktop/commands/files/pathexistscommand.h"

@@ -107,8 +107,10 @@ TEST_F(InstallCommand, EveryGuardedCommandTellsTheSecondThreadInItsOwnWords) {
       {"PathExists",
        {{"path", "a"}, {"variable", "b"}},
        L"5: PathExists Error: Multiple threads attempting execution.\n"},
+      {"GetStringFromXml", {{"xmlVar", "Doc"}}, L"5: GetStringFromXml Error: Multiple threads attempting execution.\n"},
       {"LoadFilesFromResources", {}, L"5: LoadFilesFromResources Error: Multiple threads attempting execution.\n"},
   };
+  put("Doc", L"<r/>");
   for (const auto& row : rows) {
     // The log calls back while the command is inside: the moment for another thread.
     struct Intruder final : Destroyable<Intruder, ILoggerApi> {
