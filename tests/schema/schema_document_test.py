@@ -9,6 +9,12 @@ import sys
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 SCHEMA = ROOT / "resources/installerxmlschema.xsd"
 
+EXAMPLES = ROOT / "tools/ky/check/examples"
+# The rules of the check that a schema document can hold a script to, and the one whose scripts are no plain ones.
+STRUCTURAL = ["bad-choice", "bad-id", "bad-number", "duplicate-index", "form", "long-value", "missing-attribute",
+              "unknown-attribute", "unknown-element"]
+ENCIPHERED = "undecipherable"
+
 # Commands that an editor has to underline.
 REFUSED = [
     '<Unknown/>', '<jump condition="A" target="0"/>', '<Nop Next="1"/>', '<Nop value="1"/>', '<Nop>text</Nop>',
@@ -49,10 +55,16 @@ def good():
             continue
         example = re.search(r"^```xml\n(.*?)^```$", page.read_text(encoding="utf-8"), re.M | re.S)
         yield page.relative_to(ROOT), script(example.group(1) if example else "<no-example/>")
+    for example in sorted(EXAMPLES.glob("*/*.xml")):
+        rule = example.parent.name
+        if rule != ENCIPHERED and (example.stem == "good" or rule not in STRUCTURAL):
+            yield example.relative_to(ROOT), example.read_text(encoding="utf-8")
     yield from ((commands, script(commands)) for commands in TAKEN)
 
 
 def bad():
+    for rule in STRUCTURAL:
+        yield f"{rule}/bad.xml", (EXAMPLES / rule / "bad.xml").read_text(encoding="utf-8")
     yield from ((commands, script(commands)) for commands in REFUSED)
     for root in ('<commands/>', '<install><commands/></install>', '<install version="2.0"><commands/></install>',
                  '<install version="1.0"/>', '<install version="1.0"><commands/><commands/></install>',

@@ -73,7 +73,8 @@ as it stands.
 Without a match the result is 0 and `int_ReturnCode` is 1, which the process would end with: a script sets
 `ReturnCode` back to 0 behind a value that may be absent.
 
-`xmlVar` must hold a document: an unset variable stops the process.
+A document that is not there or not well-formed gives 1168 and puts its code into `int_ReturnCode`, which
+ends the run. `xmlVar` must hold a document: an unset variable stops the process.
 
 `[Name]` in `xpath` is a variable, and the predicate `[Name]` looks the same. Where one pair of brackets
 names no variable the whole `xpath` stays as it is: a predicate works in an `xpath` without variables, and

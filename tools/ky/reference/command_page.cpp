@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "tools/ky/reference/applying_rules.h"
 #include "tools/ky/reference/wording.h"
 
 namespace reference {
@@ -77,6 +78,15 @@ std::string attributes_of(const CommandSchema& command) {
                      : "[Every command](README.md#what-every-command-has) has some more.\n");
 }
 
+std::string rules_of(const CommandSchema& command) {
+  std::string links;
+  for (const std::string_view rule : applying_rules(command)) {
+    const std::string name(rule);
+    links += (links.empty() ? "" : ", ") + ('[' + name + "](../rules/" + name + ".md)");
+  }
+  return links.empty() ? links : "Beside what holds for every element, `ky script check` looks for " + links + ".\n";
+}
+
 }  // namespace
 
 std::string attribute_table(std::span<const AttributeSchema> attributes) {
@@ -102,6 +112,7 @@ std::string command_page(const CommandSchema& command) {
   }
   section(out, "Results", results);
   if (!command.remarks.empty()) section(out, "Remarks", std::string(command.remarks) + '\n');
+  section(out, "Checks", rules_of(command));
   return out;
 }
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <regex>
 
 #include "platform/desk/desk.h"
 
@@ -24,6 +25,17 @@ TEST(Reference, TheTreeHoldsWhatTheSchemaGives) {
   };
   for (const auto& entry : std::filesystem::directory_iterator(desk::join(KY_SOURCE_FOLDER, reference::pages_folder))) {
     EXPECT_TRUE(generated(entry.path().filename().string())) << entry.path() << " belongs to no command: remove it";
+  }
+}
+
+TEST(Reference, EveryLinkOfAPageLeadsToAFile) {
+  const std::regex link(R"(\]\(([^)#]+))");
+  for (const reference::GeneratedFile& file : reference::generated_files()) {
+    if (!file.path.ends_with(".md")) continue;
+    for (std::sregex_iterator at(file.bytes.begin(), file.bytes.end(), link), end; at != end; ++at) {
+      const std::string target = std::string(reference::pages_folder) + '/' + (*at)[1].str();
+      EXPECT_TRUE(desk::exists(desk::join(KY_SOURCE_FOLDER, target))) << file.path << ": " << target;
+    }
   }
 }
 
