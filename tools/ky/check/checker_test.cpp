@@ -126,13 +126,17 @@ TEST_F(Checker, FaultsOfTheWaysHideWhatTheyWouldDistort) {
             "2:1 unknown-element: <Put> is not the name of a command\n5:1 unreachable: no run gets to <Nop>\n");
 }
 
-TEST_F(Checker, AnAllowanceCoversItsElementAlone) {
+TEST_F(Checker, AnAllowanceCoversItsElementOrThoseUpToAnId) {
   const std::string offence = "<Nop execCondition='Unset'/>\n";
   EXPECT_EQ(found_in("<!-- check: allow unwritten-key -->\n<!-- why -->\n" + offence + offence),
             "5:6 unwritten-key: \"execCondition\": nothing on any way here puts int_Unset\n");
   EXPECT_EQ(found_in("<!-- check: allow undefined-variable unwritten-key: both of them -->\n"
                      "<DeleteFile pathFile='[A]' execCondition='Unset'/>\n"),
             "");
+  EXPECT_EQ(found_in("<!-- check: allow unwritten-key until #b -->\n" + offence + "<Nop/>\n" + offence +
+                     "<Nop id='b' execCondition='Unset'/>\n<!-- check: allow unwritten-key until #b -->\n" + offence),
+            "6:13 unwritten-key: \"execCondition\": nothing on any way here puts int_Unset\n"
+            "7:1 idle-allowance: no element behind it has the id \"b\"\n");
   EXPECT_EQ(found_in("<!-- check: permit -->\n<!-- check: allow unknown-element -->\n<Put/>\n"),
             "2:1 idle-allowance: \"\" is not a rule\n4:1 unknown-element: <Put> is not the name of a command\n");
 }

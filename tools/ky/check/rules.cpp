@@ -48,7 +48,7 @@ constexpr Rule rules[] = {
      "An allowance that outlives its reason hides the next fault of the kind. What keeps a script from being compiled "
      "cannot be allowed.",
      "Remove it, or correct its name: `<!-- check: allow RULE -->` right before the element, several names with blanks "
-     "between them, and behind a colon a reason."},
+     "between them, `until #id` for all elements before that one, and behind a colon a reason."},
     {rule::ignored_attribute, Severity::warning, "An attribute does nothing without another one, which is missing.",
      "The command passes over it.", "Add the attribute that the message names, or remove this one."},
     {rule::ignored_tail, Severity::warning, "Something stands behind the end of an expression.",
@@ -95,7 +95,7 @@ constexpr Rule rules[] = {
      "It would be passed over, and the command would run without what it should have said. Case counts.",
      "Correct the name; `docs/commands/` has those of each command."},
     {rule::unknown_element, Severity::error, "The element is not the name of a command.",
-     "The host refuses the script. Case counts.", "Correct the name; `docs/commands.md` lists them."},
+     "The host refuses the script. Case counts.", "Correct the name; `docs/commands/` lists them."},
     {rule::unreachable, Severity::warning, "No run gets to the command.",
      "No `next`, `target` or preceding command leads there. The message counts what is reached from it alone.",
      "Remove the commands, or lead a way to them."},
