@@ -33,6 +33,8 @@ constexpr Target targets[] = {
     {"script to loaded commands, microseconds", "load_script", nullptr, 2000},
     {"expansion of ten variables, times a single pass", "expand_ten", "expand_ten_floor", 3},
     {"one expression, times faster than muParser", "evaluate_once", "evaluate_once_muparser", 20, true},
+    {"the check of the edition's script, microseconds", "check_edition", nullptr, 50'000},
+    {"the check of 10,000 commands, microseconds", "check_long", nullptr, 200'000},
     {"the edition's whole rehearsal, microseconds", "rehearse_edition", nullptr, 100'000},
 };
 
