@@ -39,8 +39,8 @@ zero, and what does not fit into 32 bits is -2147483648. An unset variable is 0.
 | 6 | `^` (power) |
 | 7 | `-` and `!` (not) in front; `!` (factorial) behind |
 
-All of them group from the left, `^` too. Operators in letters are in capitals; in small ones they are
-names of variables. Functions take one argument in brackets: `ABS` `EXP` `SQRT` `LOG` `LOG10` `SIN` `COS`
+All of them group from the left, `^` too. Operators in letters are in capitals; in small letters they
+are none. Functions take one argument in brackets: `ABS` `EXP` `SQRT` `LOG` `LOG10` `SIN` `COS`
 `TAN` `ASIN` `ACOS` `ATAN`, angles in radians. `E` and `PI` are constants.
 
 An expression that does not parse is told in the log, and 0 is stored. What stands behind a complete value
