@@ -9,6 +9,7 @@
 #include "tools/ky/check/check_files.h"
 #include "tools/ky/command_line.h"
 #include "tools/ky/desk_engines.h"
+#include "tools/ky/graph/graph_files.h"
 #include "tools/ky/keys/new_keys.h"
 #include "tools/ky/rehearse/rehearse.h"
 #include "tools/ky/rehearse/run.h"
@@ -45,7 +46,10 @@ struct Work {
   int operator()(const ScriptCheckOptions& options) const {
     return check::check_files(options, key_of(options.script_key), out, err);
   }
-  int operator()(const ScriptGraphOptions&) const { throw BadInput("ky script graph: under way"); }
+  int operator()(const ScriptGraphOptions& options) const {
+    graph::graph_file(options.in, key_of(options.script_key), options.out);
+    return 0;
+  }
   int operator()(const RehearseOptions& options) const { return rehearse(options, out, err); }
   int operator()(const RunOptions& options) const { return run(options, out, err); }
 };
