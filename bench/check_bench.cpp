@@ -23,7 +23,7 @@ void check_edition(benchmark::State& state) {
 }
 BENCHMARK(check_edition)->Unit(benchmark::kMicrosecond);
 
-/// Ten thousand commands with loops, jumps and 2,500 variables.
+/// Ten thousand commands with loops, jumps and 5,000 variables.
 void check_long(benchmark::State& state) {
   std::string text = "<install version=\"1.0\"><commands>\n";
   for (int n = 0; n < 2'500; ++n) {
