@@ -8,6 +8,8 @@ function(ky_third_party_headers name)
 endfunction()
 
 ky_third_party_headers(picojson /usr/include/picojson.h)
+# For every source alike: its inline functions differ with it.
+target_compile_definitions(ky_picojson INTERFACE PICOJSON_USE_INT64)
 ky_third_party_headers(cli11 /usr/include/CLI)
 
 find_package(Threads REQUIRED)

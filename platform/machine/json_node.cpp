@@ -71,6 +71,9 @@ bool JsonNode::boolean() const {
 }
 
 std::int64_t JsonNode::integer(std::int64_t low, std::int64_t high) const {
+  if (value_.is<std::int64_t>()) {
+    if (const std::int64_t whole = value_.get<std::int64_t>(); whole >= low && whole <= high) return whole;
+  }
   const double number = is_number() ? value_.get<double>() : std::nan("");
   const bool good = number >= static_cast<double>(low) && number <= static_cast<double>(high);
   if (!good || std::trunc(number) != number) {
@@ -110,6 +113,10 @@ class StrictContext {
   bool set_number(double number) {
     // The parser does not look at the answer. What is too large stays null, which is no number to whoever reads it.
     if (std::isfinite(number)) out_ = picojson::value(number);
+    return true;
+  }
+  bool set_int64(std::int64_t number) {
+    out_ = picojson::value(number);
     return true;
   }
   bool parse_string(Input& in) {

@@ -1,7 +1,6 @@
 // Runs for real, held against rehearsals of the same.
 #include <gtest/gtest.h>
 
-#define PICOJSON_USE_INT64
 #include <picojson.h>
 
 #include <algorithm>

@@ -20,10 +20,15 @@ inline void PrintTo(const Sample& sample, std::ostream* out) {
 
 inline const std::vector<Sample>& samples() {
   static const std::vector<Sample> all = {
-      {"edition-whole", "suite-installed", "", 0},   {"edition-nothing", "nothing-installed", "", 0},
-      {"conditions", "workshop", "conditions", 0},   {"deletions", "workshop", "deletions", 0},
-      {"documents", "workshop", "documents", 0},     {"jumps", "workshop", "jumps", 0},
-      {"return-code", "workshop", "return-code", 1}, {"stop-undefined-text", "workshop", "stop-undefined-text", 1},
+      {"edition-whole", "suite-installed", "", 0},
+      {"edition-nothing", "nothing-installed", "", 0},
+      {"conditions", "workshop", "conditions", 0},
+      {"deletions", "workshop", "deletions", 0},
+      {"documents", "workshop", "documents", 0},
+      {"expressions", "workshop", "expressions", 0},
+      {"jumps", "workshop", "jumps", 0},
+      {"return-code", "workshop", "return-code", 1},
+      {"stop-undefined-text", "workshop", "stop-undefined-text", 1},
   };
   return all;
 }

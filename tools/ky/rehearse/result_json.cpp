@@ -1,6 +1,5 @@
 #include "tools/ky/rehearse/result_json.h"
 
-#define PICOJSON_USE_INT64
 #include <picojson.h>
 
 #include "installer/utils/base/strings/utf8.h"

@@ -9,7 +9,10 @@
 #include "installer/utils/base/strings/utf8.h"
 #include "ky/keys.h"
 #include "platform/ports/codes.h"
+#include "tools/ky/rehearse/clock_keys.h"
 #include "tools/ky/rehearse/environment_keys.h"
+#include "tools/ky/script/decompiler.h"
+#include "tools/ky/script/text_cipher.h"
 
 namespace rehearsal {
 
@@ -55,7 +58,8 @@ ScriptRun::ScriptRun(const ports::System& world)
 
 ScriptRun::~ScriptRun() = default;
 
-std::vector<std::string> ScriptRun::prepare(std::string_view script, const host::ScriptKey& key, PlainLog::Sink log) {
+std::vector<std::string> ScriptRun::prepare(std::string_view enciphered, const host::ScriptKey& key,
+                                            PlainLog::Sink log) {
   const record::Recorder::Pause unnoted(recorder_);
   if (std::string reason = session_->start(key); !reason.empty()) return {std::move(reason)};
   if (log) {
@@ -63,7 +67,12 @@ std::vector<std::string> ScriptRun::prepare(std::string_view script, const host:
     session_->store().put(ky::keys::SelfFree_LoggerApi.name, ky::ToStored(plain));
   }
   std::vector<std::string> reasons;
-  for (const host::ScriptFault& fault : session_->load(script)) reasons.push_back(host::describe(fault));
+  for (const host::ScriptFault& fault : session_->load(enciphered)) reasons.push_back(host::describe(fault));
+  if (reasons.empty()) {
+    const script::TextCipher cipher(recorder_.system().cipher, key);
+    const std::string plain = script::decompile(script::read_plain_script({}, enciphered), cipher);
+    clock_keys_ = clock_keys(script::read_plain_script({}, plain));
+  }
   return reasons;
 }
 
@@ -105,6 +114,9 @@ Outcome ScriptRun::seen_so_far() const {
   outcome.commands = commands_;
   outcome.globals = globals_of(session_->store());
   outcome.environment = environment_keys(outcome.globals);
+  for (const std::string& key : clock_keys_) {
+    if (outcome.globals.contains(key)) outcome.environment.insert(key);
+  }
   return outcome;
 }
 

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,7 +32,7 @@ class ScriptRun final : private host::RunObserver {
 
   /// Puts the host's keys, and a clear-text log where `log` is set; loads and checks the enciphered script. Gives the
   /// reasons not to run, one line each.
-  [[nodiscard]] std::vector<std::string> prepare(std::string_view script, const host::ScriptKey& key,
+  [[nodiscard]] std::vector<std::string> prepare(std::string_view enciphered, const host::ScriptKey& key,
                                                  PlainLog::Sink log);
 
   /// Runs the script and releases everything it left in the store.
@@ -52,6 +53,8 @@ class ScriptRun final : private host::RunObserver {
   host::TableFactories library_;
   std::unique_ptr<host::Session> session_;
   Progress progress_;
+  /// The keys that come from the clock, whatever the run.
+  std::set<std::string> clock_keys_;
   std::vector<CommandRun> commands_;
   /// What deleting commands were asked for, with their results: for what nothing was there to show it.
   std::vector<record::Deletion> asked_for_;
