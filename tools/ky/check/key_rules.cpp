@@ -30,6 +30,7 @@ class KeyRules {
   void check_kept(const std::unordered_set<std::string_view>& put_in_loop) {
     for (const KeyRead& read : traffic_.reads) {
       if (read.attribute == nullptr || !read.attribute->schema->keeps_expansion || !read.put) continue;
+      if (read.as == ReadAs::hidden_variable) continue;
       if (!put_in_loop.contains(read.key) || !is_first(read)) continue;
       find(read, rule::kept_expansion,
            subject(read) + bracketed(read) + " is put inside of this loop, and the text of its first round is kept");

@@ -22,7 +22,7 @@ constexpr Rule rules[] = {
      "no number would send the run to the command with index 0, a flag `true` would be off, and a number beyond 32 "
      "bits "
      "would be another one. An index is 0 to 2147483646.",
-     "Write a whole number: decimal, `0x` and hexadecimal, or `0` and octal. Flags are `1` and `0`. Ways may be `#` "
+     "Write a whole number: decimal, `0x` and hexadecimal, or `0` and octal. A flag is `1` or `0`. Ways may be `#` "
      "and "
      "an id."},
     {rule::bad_xpath, Severity::error, "An XPath does not parse or selects no nodes.",

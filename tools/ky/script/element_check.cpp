@@ -51,14 +51,21 @@ class ElementCheck {
     if (schema->longest != 0) {
       check_length(attribute, schema->longest, base::strings::to_wide(attribute.value).size(), "characters");
     }
-    const bool number = schema->form == host::Form::integer || schema->form == host::Form::flag ||
-                        (schema->form == host::Form::integer_or_name && !is_name_here(element_, *schema));
-    // `index` is judged with the whole script, like `next` and `target`.
-    if (number && attribute.name != "index" && !whole_integer(attribute.value).has_value()) {
-      fault(attribute.at, rule::bad_number,
-            quoted(attribute.name) + " is " + quoted(attribute.value) + " and must be a number of 32 bits");
-    }
+    check_number(*schema, attribute);
     check_choice(*schema, attribute);
+  }
+
+  void check_number(const host::AttributeSchema& schema, const PlainAttribute& attribute) {
+    const char* must_be = nullptr;
+    // `index` is judged with the whole script, like `next` and `target`.
+    const bool number = (schema.form == host::Form::integer && attribute.name != "index") ||
+                        (schema.form == host::Form::integer_or_name && !is_name_here(element_, schema));
+    if (number && !whole_integer(attribute.value).has_value()) must_be = "a number of 32 bits";
+    // Commands differ in what they make of other numbers.
+    if (schema.form == host::Form::flag && attribute.value != "0" && attribute.value != "1") must_be = "1 or 0";
+    if (must_be == nullptr) return;
+    fault(attribute.at, rule::bad_number,
+          quoted(attribute.name) + " is " + quoted(attribute.value) + " and must be " + must_be);
   }
 
   void check_choice(const host::AttributeSchema& schema, const PlainAttribute& attribute) {
