@@ -46,8 +46,10 @@ std::wstring find_program(const std::string& program) {
   return {};
 }
 
-/// `argument` in quotes, so that the program's runtime makes the same of it: backslashes count double before a quote.
+/// `argument` so that the program's runtime makes the same of it: in quotes where it has to be, and backslashes count
+/// double before a quote.
 std::wstring quoted(const std::wstring& argument) {
+  if (!argument.empty() && argument.find_first_of(L" \t\n\v\"") == std::wstring::npos) return argument;
   std::wstring out = L"\"";
   std::size_t backslashes = 0;
   for (const wchar_t c : argument) {

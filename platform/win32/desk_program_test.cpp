@@ -10,7 +10,7 @@ TEST(Program, GetsItsInputAndArgumentsAndGivesBackWhatItWrites) {
   const desk::ProgramRun said = desk::run_program("cmd", {"/c", "echo", "hello&exit 3"}, "", 60s);
   EXPECT_EQ(said.failure, "");
   EXPECT_EQ(said.exit_code, 0) << "the ampersand was in quotes";
-  EXPECT_NE(said.output.find("hello&exit 3"), std::string::npos) << said.output;
+  EXPECT_EQ(said.output, "\"hello&exit 3\"\r\n");
   const desk::ProgramRun fed = desk::run_program("cmd", {}, "@exit 5\r\n", 60s);
   EXPECT_EQ(fed.exit_code, 5) << fed.output;
 }

@@ -1,6 +1,5 @@
 #include "tools/ky/graph/dot_text.h"
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -40,7 +39,17 @@ std::string terminal(const std::string& text, const std::string& tooltip) {
 class Writer {
  public:
   Writer(const Flow& flow, std::string_view title)
-      : flow_(flow), layout_(lay_out(flow)), boxes_(flow_, layout_), title_(title) {}
+      : flow_(flow),
+        layout_(lay_out(flow)),
+        boxes_(flow_, layout_),
+        ways_of_(layout_.blocks.size()),
+        lines_into_(layout_.blocks.size()),
+        title_(title) {
+    for (const Arrow& arrow : layout_.arrows) {
+      ways_of_[arrow.from].push_back(&arrow);
+      if (arrow.is_line()) ++lines_into_[arrow.to];
+    }
+  }
 
   [[nodiscard]] std::string write() {
     heading();
@@ -91,12 +100,11 @@ class Writer {
                 std::string(colour::line) + "\"]");
     }
     statement(node_of(block) + ' ' + boxes_.node(block));
-    for (const Arrow& arrow : layout_.arrows) {
-      if (arrow.from != block) continue;
-      if (!arrow.is_line()) sign(arrow);
-      if (shows_condition(arrow)) {
-        statement(condition_of(arrow) + " [fontcolor=\"" + std::string(colour::taken) + "\", label=<" +
-                  label_of(arrow) + ">]");
+    for (const Arrow* const arrow : ways_of_[block]) {
+      if (!arrow->is_line()) sign(*arrow);
+      if (shows_condition(*arrow)) {
+        statement(condition_of(*arrow) + " [fontcolor=\"" + std::string(colour::taken) + "\", label=<" +
+                  label_of(*arrow) + ">]");
       }
     }
   }
@@ -164,7 +172,7 @@ class Writer {
     }
     const std::string label = label_of(arrow).empty() ? "" : ", label=<&#160;" + label_of(arrow) + '>';
     const bool straight = !arrow.taken && !boxes_.is_choice(arrow.from) &&
-                          (!arrow.is_line() || (arrow.to == arrow.from + 1 && lines_into(arrow.to) < 3));
+                          (!arrow.is_line() || (arrow.to == arrow.from + 1 && lines_into_[arrow.to] < 3));
     statement(from + " -> " + (arrow.is_line() ? entry_of(arrow.to) : sign_of(arrow)) +
               " [weight=" + (straight ? "10" : "2") + ", " + style + label + ']');
     if (arrow.back && !arrow.cut) {
@@ -174,24 +182,18 @@ class Writer {
     }
   }
 
-  [[nodiscard]] std::size_t lines_into(std::size_t block) const {
-    return static_cast<std::size_t>(
-        std::count_if(layout_.arrows.begin(), layout_.arrows.end(),
-                      [block](const Arrow& each) { return each.to == block && each.is_line(); }));
-  }
-
   /// What helps the drawing without being seen.
   void place(std::size_t block) {
     // What nothing leads to stands below what is before it in the document.
-    if (block > 0 && lines_into(block) == 0) {
+    if (block > 0 && lines_into_[block] == 0) {
       statement(node_of(block - 1) + " -> " + entry_of(block) + " [style=invis, weight=0]");
     }
     if (!boxes_.is_choice(block)) return;
     // Where the jumps of a choice alone lead stands side by side, in their order.
     std::string row;
-    for (const Arrow& arrow : layout_.arrows) {
-      if (arrow.from != block || !arrow.is_line() || lines_into(arrow.to) != 1) continue;
-      row += (row.empty() ? "" : " -> ") + node_of(arrow.to);
+    for (const Arrow* const arrow : ways_of_[block]) {
+      if (!arrow->is_line() || lines_into_[arrow->to] != 1) continue;
+      row += (row.empty() ? "" : " -> ") + node_of(arrow->to);
     }
     if (row.find(' ') != std::string::npos) line("{ rank=same; " + row + " [style=invis]; }");
   }
@@ -199,6 +201,8 @@ class Writer {
   const Flow& flow_;
   const Layout layout_;
   const Boxes boxes_;
+  std::vector<std::vector<const Arrow*>> ways_of_;  // of each block
+  std::vector<std::size_t> lines_into_;             // how many lead to a block
   std::string title_;
   std::string out_;
 };
