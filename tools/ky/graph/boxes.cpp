@@ -109,7 +109,7 @@ std::string Boxes::choice(std::size_t block) const {
   }
   const std::string look = attribute("BORDER", "1") + attribute("CELLBORDER", "1") +
                            attribute("COLOR", colour::jump_frame) + attribute("BGCOLOR", colour::jump_ground);
-  return "[ordering=out, label=<" + table(look, "<TR>" + cells + "<TD PORT=\"else\">else</TD></TR>\n") + ">]";
+  return "[label=<" + table(look, "<TR>" + cells + "<TD PORT=\"else\">else</TD></TR>\n") + ">]";
 }
 
 std::string Boxes::door(std::size_t block) const {
