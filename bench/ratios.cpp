@@ -35,6 +35,9 @@ constexpr Target targets[] = {
     {"one expression, times faster than muParser", "evaluate_once", "evaluate_once_muparser", 20, true},
     {"the check of the edition's script, microseconds", "check_edition", nullptr, 50'000},
     {"the check of 10,000 commands, microseconds", "check_long", nullptr, 200'000},
+    {"one value out of XML, times parser and query alone", "read_xml_value", "read_xml_value_floor", 2.5},
+    {"the check of the edition's script, microseconds", "check_edition", nullptr, 50'000},
+    {"the check of 10,000 commands, microseconds", "check_long", nullptr, 200'000},
     {"the edition's whole rehearsal, microseconds", "rehearse_edition", nullptr, 100'000},
 };
 

@@ -101,13 +101,13 @@ pugi::xml_node twin_in(pugi::xml_node other, pugi::xml_node node) {
 
 }  // namespace
 
-std::string text_of(pugi::xml_node node, std::string_view source) {
+std::string text_of(pugi::xml_node node, std::string_view source, bool space_rules) {
   if (node.type() != pugi::node_element && node.type() != pugi::node_document) {
-    const bool whole = node.type() != pugi::node_pcdata || preserved(node.parent());
+    const bool whole = node.type() != pugi::node_pcdata || (space_rules && preserved(node.parent()));
     return whole ? node.value() : trimmed({node.value()});
   }
   if (source.empty()) return gather(node, true).text;
-  const bool preserving = preserved(node);
+  const bool preserving = space_rules && preserved(node);
   const pugi::xml_node child = node.first_child();
   if (!child) return {};
   if (!preserving && child.type() == pugi::node_pcdata && !child.next_sibling()) return trimmed({child.value()});

@@ -1,6 +1,5 @@
 #include "platform/native/pugi_xml.h"
 
-#include <optional>
 #include <pugixml.hpp>
 #include <string>
 #include <utility>
@@ -23,6 +22,7 @@ struct Document {
   /// The text of a document that drops white space, see `text_of`.
   std::string source;
   bool namespaces = false;
+  bool space_rules = false;
 };
 
 class DocumentOwner {
@@ -127,38 +127,8 @@ std::int32_t kind_of(const XmlNode& node) {
 
 constexpr unsigned all_kinds = pugi::parse_default | pugi::parse_comments | pugi::parse_pi;
 
-/// What the text says, once pugixml has taken it; otherwise `reason`.
-std::optional<XmlFindings> parse_into(Document& document, std::string_view utf8, unsigned flags, std::wstring* reason) {
-  const pugi::xml_parse_result result = document.xml.load_buffer(utf8.data(), utf8.size(), flags, pugi::encoding_utf8);
-  if (!result) {
-    if (reason != nullptr) {
-      *reason = place_and_reason(utf8, static_cast<std::size_t>(result.offset), result.description());
-    }
-    return std::nullopt;
-  }
-  const XmlFindings findings = examine_xml(utf8);
-  if (findings.fault && reason != nullptr) {
-    *reason = place_and_reason(utf8, findings.fault->offset, findings.fault->what);
-  }
-  return findings.fault ? std::nullopt : std::optional(findings);
-}
-
-/// Fills a document that drops white space; it is empty where the text is not well-formed.
-Result load(Document& document, std::string utf8) {
-  document.source = std::move(utf8);
-  const auto findings = parse_into(document, document.source, all_kinds, nullptr);
-  if (!findings) {
-    document.xml.reset();
-    return code::nothing;
-  }
-  document.namespaces = findings->namespaces;
-  if (findings->space_rules) {
-    document.xml.load_buffer(document.source.data(), document.source.size(), all_kinds | pugi::parse_ws_pcdata,
-                             pugi::encoding_utf8);
-    drop_white_space(document.xml, false);
-  }
-  return code::ok;
-}
+/// Texts beyond this size are looked at anew each time, so that no memory is held for long.
+constexpr std::size_t most_remembered = 0x10000;
 
 }  // namespace
 
@@ -169,7 +139,16 @@ Result PugiXml::parse(std::string_view utf8, XmlNode*& document, std::wstring& r
     return code::nothing;
   }
   const DocumentOwner parsed(*new Document);
-  if (!parse_into(*parsed.get(), utf8, pugi::parse_default, &reason)) return code::nothing;
+  const pugi::xml_parse_result result =
+      parsed->xml.load_buffer(utf8.data(), utf8.size(), pugi::parse_default, pugi::encoding_utf8);
+  if (!result) {
+    reason = place_and_reason(utf8, static_cast<std::size_t>(result.offset), result.description());
+    return code::nothing;
+  }
+  if (const auto fault = examine_xml(utf8).fault) {
+    reason = place_and_reason(utf8, fault->offset, fault->what);
+    return code::nothing;
+  }
   document = new XmlNode{1, parsed, parsed->xml, {}};
   return code::ok;
 }
@@ -180,19 +159,50 @@ Result PugiXml::create_document(XmlNode*& document) {
   return code::ok;
 }
 
+XmlFindings PugiXml::examine(const std::string& utf8) {
+  if (utf8.size() > most_remembered) return examine_xml(utf8);
+  const ports::Lock lock(mutex_);
+  if (utf8 == sound_) return findings_;
+  XmlFindings findings = examine_xml(utf8);
+  if (!findings.fault) {
+    sound_ = utf8;
+    findings_ = findings;
+  }
+  return findings;
+}
+
+Result PugiXml::load(XmlNode* node, std::string utf8) {
+  Document& document = *node->document.get();
+  document.source = std::move(utf8);
+  const std::string& source = document.source;
+  const bool taken = document.xml.load_buffer(source.data(), source.size(), all_kinds, pugi::encoding_utf8);
+  const XmlFindings findings = taken ? examine(source) : XmlFindings();
+  if (!taken || findings.fault) {
+    document.xml.reset();
+    return code::nothing;
+  }
+  document.namespaces = findings.namespaces;
+  document.space_rules = findings.space_rules;
+  if (findings.space_rules) {
+    document.xml.load_buffer(source.data(), source.size(), all_kinds | pugi::parse_ws_pcdata, pugi::encoding_utf8);
+    drop_white_space(document.xml, false);
+  }
+  return code::ok;
+}
+
 Result PugiXml::load_text(XmlNode* document, std::wstring_view text) {
   if (text.starts_with(L'\xFEFF')) text.remove_prefix(1);
   std::string utf8 = base::strings::to_utf8(text);
   // The conversion puts this character where a surrogate has no partner.
   const bool suspicious = utf8.find("\xEF\xBF\xBD") != std::string::npos;
   if (suspicious && !base::strings::is_utf16(text)) utf8.clear();
-  return load(*document->document.get(), std::move(utf8));
+  return load(document, std::move(utf8));
 }
 
 Result PugiXml::load_bytes(XmlNode* document, std::string_view bytes) {
   std::string utf8 = document_to_utf8(bytes).value_or(std::string());
   if (!base::strings::is_utf8(utf8)) utf8.clear();
-  return load(*document->document.get(), std::move(utf8));
+  return load(document, std::move(utf8));
 }
 
 Result PugiXml::select_single_node(XmlNode* from, const wchar_t* xpath, XmlNode*& out) {
@@ -238,7 +248,7 @@ Result PugiXml::text(XmlNode* node, std::wstring& out) {
   if (node->attribute) {
     base::strings::to_wide(node->attribute.value(), out);
   } else {
-    base::strings::to_wide(text_of(node->node, node->document->source), out);
+    base::strings::to_wide(text_of(node->node, node->document->source, node->document->space_rules), out);
   }
   return code::ok;
 }

@@ -1,5 +1,9 @@
 #pragma once
 
+#include <string>
+
+#include "platform/native/well_formed.h"
+#include "platform/ports/mutex.h"
 #include "platform/ports/xml.h"
 
 namespace native {
@@ -25,6 +29,17 @@ class PugiXml final : public ports::Xml {
   void add_reference(ky::AttributeMap* map) override;
   void release(ky::AttributeMap* map) override;
   void release(ports::XmlNode* node) override;
+
+ private:
+  /// Fills a document that drops white space; it is empty where the text is not well-formed.
+  ports::Result load(ports::XmlNode* node, std::string utf8);
+  /// `examine_xml` of a text that pugixml took. Scripts read one document value by value, so the last sound one is
+  /// remembered: to look at it again would take nearly as long as to parse it.
+  XmlFindings examine(const std::string& utf8);
+
+  ports::Mutex mutex_;
+  std::string sound_ KY_GUARDED_BY(mutex_);
+  XmlFindings findings_ KY_GUARDED_BY(mutex_);  // of the sound one
 };
 
 }  // namespace native

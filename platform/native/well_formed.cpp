@@ -32,7 +32,6 @@ class Stops {
   std::array<bool, 256> stops_{};
 };
 
-constexpr Stops markup_or_reference("<&]");
 constexpr Stops after_element_name(" \t\r\n/>:");
 constexpr Stops after_attribute_name(" \t\r\n=:");
 constexpr Stops quotes("\"'");
@@ -44,11 +43,11 @@ bool is_xml_character(std::uint32_t value) {
 
 /// The place of the first character that XML does not have, in UTF-8; npos where all are well.
 std::size_t bad_character(std::string_view text) {
-  unsigned controls = 0;  // counted first: without a branch many bytes go by at a time
+  unsigned char controls = 0;  // gathered first: without a branch many bytes go by at a time
   for (const char c : text) {
     const auto byte = static_cast<unsigned char>(c);
-    controls += static_cast<unsigned>(byte < 0x20) & static_cast<unsigned>(byte != '\t') &
-                static_cast<unsigned>(byte != '\n') & static_cast<unsigned>(byte != '\r');
+    const bool space_character = (byte == '\t') | (byte == '\n') | (byte == '\r');
+    controls = static_cast<unsigned char>(controls | ((byte < 0x20) & !space_character));
   }
   if (controls != 0) {
     const auto* const found =
@@ -94,7 +93,8 @@ bool is_declaration(std::string_view text) {
 /// Goes over the text once. pugixml took it, so that every construct is known to end.
 class Scanner {
  public:
-  explicit Scanner(std::string_view text) : text_(text) {}
+  explicit Scanner(std::string_view text)
+      : text_(text), plain_(text.find('&') == std::string_view::npos && text.find("]]>") == std::string_view::npos) {}
 
   XmlFindings run() {
     if (text_.starts_with("\xEF\xBB\xBF")) begin_ = at_ = 3;
@@ -117,35 +117,41 @@ class Scanner {
     const std::size_t found = text_.find(end, at_);
     at_ = found == std::string_view::npos ? text_.size() : found + end.size();
   }
+  void skip_past(char end) {
+    const std::size_t found = text_.find(end, at_);
+    at_ = found == std::string_view::npos ? text_.size() : found + 1;
+  }
 
-  bool at(std::string_view what) const { return text_.substr(at_).starts_with(what); }
+  bool at(const char* what) const { return text_.substr(at_).starts_with(what); }
+  bool at(char what) const { return at_ < text_.size() && text_[at_] == what; }
 
   /// Text up to the next markup.
   void content() {
-    while (!fault_) {
-      const std::size_t begin = at_;
-      at_ = markup_or_reference.next(text_, at_);
-      if (depth_ == 0) {
-        const std::size_t other = text_.find_first_not_of(space, begin);
-        if (other < at_ || at("&")) return fail(std::min(other, at_), "text outside of the root element");
-      }
-      if (at("]]>")) return fail(at_, "\"]]>\" in a text");
-      if (at("]")) {
-        ++at_;
-      } else if (at("&")) {
-        reference();
-      } else {
-        return;
-      }
+    if (at('<')) return;
+    const std::size_t begin = at_;
+    at_ = std::min(text_.find('<', at_), text_.size());
+    if (depth_ == 0) {
+      const std::size_t other = text_.find_first_not_of(space, begin);
+      if (other < at_) return fail(other, "text outside of the root element");
     }
+    if (!plain_) texts(begin, at_);
   }
 
-  void reference() {
-    const std::size_t begin = at_++;
-    const std::size_t end = text_.find(';', at_);
-    if (end == std::string_view::npos || !known(text_.substr(at_, end - at_)))
-      return fail(begin, "an unknown reference");
-    at_ = end + 1;
+  /// What a text between markup may not hold.
+  void texts(std::size_t begin, std::size_t end) {
+    const std::size_t close = text_.substr(0, end).find("]]>", begin);
+    if (close != std::string_view::npos) fail(close, "\"]]>\" in a text");
+    references(begin, end);
+  }
+
+  void references(std::size_t begin, std::size_t end) {
+    const std::string_view text = text_.substr(0, end);
+    for (std::size_t at = text.find('&', begin); at < end; at = text.find('&', at + 1)) {
+      const std::size_t close = text.find(';', at);
+      if (close == std::string_view::npos || !known(text.substr(at + 1, close - at - 1))) {
+        return fail(at, "an unknown reference");
+      }
+    }
   }
 
   static bool known(std::string_view name) {
@@ -160,19 +166,21 @@ class Scanner {
   }
 
   void markup() {
-    if (at("<!--")) {
+    const char next = text_.substr(at_ + 1, 1).empty() ? '\0' : text_[at_ + 1];
+    if (next == '/') {
+      end_element();
+      at_ += 2;
+      if (depth_ == 0) skip_past('>');  // What follows elsewhere is looked at with the text behind.
+    } else if (next == '?') {
+      instruction();
+    } else if (next != '!') {
+      start_tag();
+    } else if (at("<!--")) {
       comment();
     } else if (at("<![CDATA[")) {
       skip_past("]]>");
-    } else if (at("<?")) {
-      instruction();
-    } else if (at("<!")) {
-      fail(at_, "a document type is not allowed");
-    } else if (at("</")) {
-      end_element();
-      skip_past(">");
     } else {
-      start_tag();
+      fail(at_, "a document type is not allowed");
     }
   }
 
@@ -204,15 +212,16 @@ class Scanner {
     name(after_element_name);
     while (!fault_ && at_ < text_.size()) {
       at_ = std::min(text_.find_first_not_of(space, at_), text_.size());
-      if (at(">") || at("/")) break;
+      if (at('>') || at('/')) break;
       attribute();
     }
     for (const std::string_view prefix : used_) {
       if (!is_declared(prefix)) fail(begin, "an undeclared prefix");
     }
     if (fault_) return;  // The place is then no longer one in the text.
-    if (at("/")) end_element();
-    skip_past(">");
+    const bool ends = at('/');
+    if (ends) end_element();
+    at_ = std::min(at_ + (ends ? 2 : 1), text_.size());
   }
 
   void end_element() {
@@ -220,22 +229,25 @@ class Scanner {
     --depth_;
   }
 
-  /// Goes behind a name and notes what it says of namespaces.
+  /// Goes behind a name, and notes what it says of namespaces.
   std::string_view name(const Stops& ends) {
     const std::size_t begin = at_;
     at_ = ends.next(text_, at_);
-    if (!at(":")) return text_.substr(begin, at_ - begin);
+    if (at(':')) prefixed_name(begin, ends);
+    return text_.substr(begin, at_ - begin);
+  }
+
+  void prefixed_name(std::size_t begin, const Stops& ends) {
     const std::string_view prefix = text_.substr(begin, at_ - begin);
     const std::size_t local = ++at_;
     at_ = ends.next(text_, at_);
-    if (at(":") || at_ == local || prefix.empty()) fail(begin, "a bad name");
+    if (at(':') || at_ == local || prefix.empty()) fail(begin, "a bad name");
     if (prefix == "xmlns") {
       declared_.push_back({text_.substr(local, at_ - local), depth_});
       findings_.namespaces = true;
     } else {
       used_.push_back(prefix);
     }
-    return text_.substr(begin, at_ - begin);
   }
 
   bool is_declared(std::string_view prefix) const {
@@ -255,9 +267,8 @@ class Scanner {
     names_.push_back(name);
     at_ = std::min(quotes.next(text_, at_), text_.size() - 1);
     const std::size_t end = std::min(text_.find(text_[at_], at_ + 1), text_.size());
-    const std::string_view value = text_.substr(0, end);
-    const std::size_t markup = std::min(value.find('<', at_), end);
-    for (at_ = value.find('&', at_); !fault_ && at_ < markup; at_ = value.find('&', at_)) reference();
+    const std::size_t markup = std::min(text_.substr(0, end).find('<', at_), end);
+    if (!plain_) references(at_, markup);
     if (markup < end) fail(markup, "\"<\" in a value");
     at_ = std::min(end + 1, text_.size());  // Behind the closing quote.
   }
@@ -268,6 +279,7 @@ class Scanner {
   };
 
   const std::string_view text_;
+  const bool plain_;  // there is nothing that a text could be wrong in
   std::size_t begin_ = 0;
   std::size_t at_ = 0;
   std::size_t depth_ = 0;

@@ -111,6 +111,7 @@ class Copier {
 }  // namespace
 
 std::optional<std::string> xpath_for_pugixml(std::string_view xpath, bool namespaces) {
+  if (!namespaces && xpath.find(':') == std::string_view::npos) return std::string(xpath);
   return Copier(xpath, namespaces).run();
 }
 

@@ -74,6 +74,20 @@ std::size_t ascii_end(std::string_view text, std::size_t at) {
   return at;
 }
 
+/// Appends `units` if they are all ASCII. They are copied before that is known: without a branch many go by at a time.
+bool append_ascii(std::string& out, std::wstring_view units) {
+  const std::size_t begin = out.size();
+  out.resize(begin + units.size());
+  char* const to = out.data() + begin;
+  std::uint32_t all = 0;
+  for (std::size_t i = 0; i < units.size(); ++i) {
+    all |= static_cast<std::uint32_t>(units[i]);
+    to[i] = static_cast<char>(units[i]);
+  }
+  if (all >= 0x80) out.resize(begin);
+  return all < 0x80;
+}
+
 bool is_high_surrogate(wchar_t unit) {
   return unit >= 0xD800 && unit <= 0xDBFF;
 }
@@ -143,15 +157,23 @@ std::size_t to_wide(std::string_view utf8, wchar_t* out) {
 }
 
 std::string to_utf8(std::wstring_view wide) {
+  constexpr std::size_t block = 256;
   std::string out;
   out.reserve(wide.size());
-  for (std::size_t at = 0; at < wide.size(); ++at) {
-    const wchar_t unit = wide[at];
-    if (is_high_surrogate(unit) && at + 1 < wide.size() && is_low_surrogate(wide[at + 1])) {
-      const auto high = static_cast<char32_t>(unit) - 0xD800;
-      append_utf8(out, 0x10000 + (high << 10) + (static_cast<char32_t>(wide[++at]) - 0xDC00));
-    } else {
-      append_utf8(out, is_surrogate(unit) ? replacement : static_cast<char32_t>(unit));
+  for (std::size_t at = 0; at < wide.size();) {
+    const std::size_t end = std::min(at + block, wide.size());
+    if (append_ascii(out, wide.substr(at, end - at))) {
+      at = end;
+      continue;
+    }
+    for (; at < end; ++at) {
+      const wchar_t unit = wide[at];
+      if (is_high_surrogate(unit) && at + 1 < wide.size() && is_low_surrogate(wide[at + 1])) {
+        const auto high = static_cast<char32_t>(unit) - 0xD800;
+        append_utf8(out, 0x10000 + (high << 10) + (static_cast<char32_t>(wide[++at]) - 0xDC00));
+      } else {
+        append_utf8(out, is_surrogate(unit) ? replacement : static_cast<char32_t>(unit));
+      }
     }
   }
   return out;
