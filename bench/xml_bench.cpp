@@ -5,7 +5,6 @@
 #include <string_view>
 
 #include "bench/desk_world.h"
-#include "installer/utils/base/strings/utf8.h"
 #include "ky/install_command.h"
 #include "ky/keys.h"
 #include "platform/ports/xml_owner.h"
@@ -18,7 +17,8 @@ constexpr std::string_view xpath = "/config/UninstallData/MainLine/InstallPath";
 
 /// The command as a script has it, over the edition's configuration.
 host::CommandOwner load_command(DeskWorld& desk, const std::string& document) {
-  desk.session.store().put("String_Config", ky::ToStored(new ky::CString(base::strings::to_wide(document))));
+  const std::wstring ascii(document.begin(), document.end());
+  desk.session.store().put("String_Config", ky::ToStored(new ky::CString(ascii)));
   const script::TextCipher cipher(desk.system.cipher, host::built_in_script_key());
   const std::string text = "<x var=\"" + cipher.encipher("InstallPath") + "\" xpath=\"" +
                            cipher.encipher(std::string(xpath)) + "\" xmlVar=\"" + cipher.encipher("Config") + "\"/>";
