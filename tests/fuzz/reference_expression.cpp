@@ -124,17 +124,26 @@ const std::map<std::string, Binary> binaries = {
     {"/", {5, std::divides<double>()}},
     {"%", {5, [](double a, double b) { return remainder(whole(a), whole(b)); }}},
     {"XOR", {5, [](double a, double b) { return whole(a) ^ whole(b); }}},
-    {"^", {6, [](double a, double b) { return std::pow(a, b); }}},
+    {"^", {6, [](double a, double b) { return static_cast<double>(powl(a, b)); }}},
 };
 
-using Real = double (*)(double);
-const std::map<std::string, Real> functions = {
-    {"ABS", static_cast<Real>(std::fabs)},    {"EXP", static_cast<Real>(std::exp)},
-    {"SQRT", static_cast<Real>(std::sqrt)},   {"LOG", static_cast<Real>(std::log)},
-    {"LOG10", static_cast<Real>(std::log10)}, {"SIN", static_cast<Real>(std::sin)},
-    {"COS", static_cast<Real>(std::cos)},     {"TAN", static_cast<Real>(std::tan)},
-    {"ASIN", static_cast<Real>(std::asin)},   {"ACOS", static_cast<Real>(std::acos)},
-    {"ATAN", static_cast<Real>(std::atan)},
+using Real = long double (*)(long double);
+template <Real function>
+double in_long(double argument) {
+  return static_cast<double>(function(argument));
+}
+const std::map<std::string, double (*)(double)> functions = {
+    {"ABS", [](double x) { return x < 0 || std::signbit(x) ? -x : x; }},
+    {"SQRT", [](double x) { return std::sqrt(x); }},
+    {"EXP", in_long<static_cast<Real>(std::exp)>},
+    {"LOG", in_long<static_cast<Real>(std::log)>},
+    {"LOG10", in_long<static_cast<Real>(std::log10)>},
+    {"SIN", in_long<static_cast<Real>(std::sin)>},
+    {"COS", in_long<static_cast<Real>(std::cos)>},
+    {"TAN", in_long<static_cast<Real>(std::tan)>},
+    {"ASIN", in_long<static_cast<Real>(std::asin)>},
+    {"ACOS", in_long<static_cast<Real>(std::acos)>},
+    {"ATAN", in_long<static_cast<Real>(std::atan)>},
 };
 
 std::string in_capitals(std::string text) {

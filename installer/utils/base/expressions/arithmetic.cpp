@@ -7,6 +7,8 @@
 #include <string>
 #include <system_error>
 
+#include "installer/utils/base/expressions/extended.h"
+
 namespace base::expressions {
 
 namespace {
@@ -96,7 +98,7 @@ double apply_operator(Operator op, double left, double right) {
     case Operator::bit_xor:
       return to_integer(left) ^ to_integer(right);
     case Operator::power:
-      return std::pow(left, right);
+      return rounded(std::pow(Extended{left}, Extended{right}));
     case Operator::factorial:
       return factorial(to_integer(left));
     case Operator::none:

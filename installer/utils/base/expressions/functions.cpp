@@ -3,17 +3,24 @@
 #include <algorithm>
 #include <cmath>
 
+#include "installer/utils/base/expressions/extended.h"
+
 namespace base::expressions {
 
 namespace {
 
 constexpr Function functions[] = {
-    {"ABS", [](double x) { return std::fabs(x); }},    {"EXP", [](double x) { return std::exp(x); }},
-    {"SQRT", [](double x) { return std::sqrt(x); }},   {"LOG", [](double x) { return std::log(x); }},
-    {"LOG10", [](double x) { return std::log10(x); }}, {"SIN", [](double x) { return std::sin(x); }},
-    {"COS", [](double x) { return std::cos(x); }},     {"TAN", [](double x) { return std::tan(x); }},
-    {"ASIN", [](double x) { return std::asin(x); }},   {"ACOS", [](double x) { return std::acos(x); }},
-    {"ATAN", [](double x) { return std::atan(x); }},
+    {"ABS", [](double x) { return std::fabs(x); }},
+    {"SQRT", [](double x) { return std::sqrt(x); }},
+    {"EXP", [](double x) { return rounded(std::exp(Extended{x})); }},
+    {"LOG", [](double x) { return rounded(std::log(Extended{x})); }},
+    {"LOG10", [](double x) { return rounded(std::log10(Extended{x})); }},
+    {"SIN", [](double x) { return rounded(std::sin(Extended{x})); }},
+    {"COS", [](double x) { return rounded(std::cos(Extended{x})); }},
+    {"TAN", [](double x) { return rounded(std::tan(Extended{x})); }},
+    {"ASIN", [](double x) { return rounded(std::asin(Extended{x})); }},
+    {"ACOS", [](double x) { return rounded(std::acos(Extended{x})); }},
+    {"ATAN", [](double x) { return rounded(std::atan(Extended{x})); }},
 };
 
 struct Constant {
