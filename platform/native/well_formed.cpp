@@ -41,15 +41,24 @@ bool is_xml_character(std::uint32_t value) {
   return !control && (value < 0xD800 || value > 0xDFFF) && value != 0xFFFE && value != 0xFFFF && value <= 0x10FFFF;
 }
 
-/// The place of the first character that XML does not have, in UTF-8; npos where all are well.
-std::size_t bad_character(std::string_view text) {
-  unsigned char controls = 0;  // gathered first: without a branch many bytes go by at a time
+/// True where a control character stands that XML does not have. Without a branch many bytes go by at a time; scripts,
+/// which are one line, have no control characters at all.
+bool has_bad_control(std::string_view text) {
+  unsigned char least = 0xFF;
+  for (const char c : text) least = std::min(least, static_cast<unsigned char>(c));
+  if (least >= 0x20) return false;
+  unsigned char bad = 0;
   for (const char c : text) {
     const auto byte = static_cast<unsigned char>(c);
     const bool space_character = (byte == '\t') | (byte == '\n') | (byte == '\r');
-    controls = static_cast<unsigned char>(controls | ((byte < 0x20) & !space_character));
+    bad = static_cast<unsigned char>(bad | ((byte < 0x20) & !space_character));
   }
-  if (controls != 0) {
+  return bad != 0;
+}
+
+/// The place of the first character that XML does not have, in UTF-8; npos where all are well.
+std::size_t bad_character(std::string_view text) {
+  if (has_bad_control(text)) {
     const auto* const found =
         std::find_if(text.begin(), text.end(), [](char c) { return !is_xml_character(static_cast<unsigned char>(c)); });
     return static_cast<std::size_t>(found - text.begin());

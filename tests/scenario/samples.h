@@ -29,6 +29,7 @@ inline const std::vector<Sample>& samples() {
       {"jumps", "workshop", "jumps", 0},
       {"return-code", "workshop", "return-code", 1},
       {"stop-undefined-text", "workshop", "stop-undefined-text", 1},
+      {"xml-values", "workshop", "xml-values", 0},
   };
   return all;
 }
