@@ -16,6 +16,16 @@ constexpr std::size_t most_levels = 256;
 
 constexpr std::string_view space = " \t\r\n";
 
+bool is_letter(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || static_cast<unsigned char>(c) >= 0x80;
+}
+
+bool is_name(std::string_view text) {
+  return !text.empty() && is_letter(text.front()) && std::all_of(text.begin(), text.end(), [](char c) {
+    return is_letter(c) || (c >= '0' && c <= '9') || c == '-' || c == '.';
+  });
+}
+
 /// A set of characters to stop at, with one look for each character passed: the whole text goes by here.
 class Stops {
  public:
@@ -93,9 +103,9 @@ std::optional<std::string_view> take(std::string_view& text, std::string_view ke
 bool is_declaration(std::string_view text) {
   text.remove_prefix(5);
   if (take(text, "version") != "1.0") return false;
-  static_cast<void>(take(text, "encoding"));
+  const auto encoding = take(text, "encoding");
   const auto standalone = take(text, "standalone");
-  return (!standalone || standalone == "yes" || standalone == "no") &&
+  return (!encoding || !encoding->empty()) && (!standalone || standalone == "yes" || standalone == "no") &&
          text.find_first_not_of(space) == std::string_view::npos;
 }
 
@@ -186,10 +196,10 @@ class Scanner {
       start_tag();
     } else if (at("<!--")) {
       comment();
-    } else if (at("<![CDATA[")) {
+    } else if (depth_ != 0 && at("<![CDATA[")) {
       skip_past("]]>");
     } else {
-      fail(at_, "a document type is not allowed");
+      fail(at_, at("<![CDATA[") ? "text outside of the root element" : "a document type is not allowed");
     }
   }
 
@@ -201,14 +211,13 @@ class Scanner {
   }
 
   void instruction() {
-    const std::string_view target = text_.substr(at_ + 2, 4);
-    const bool declares = target.size() == 4 && (target[0] | 0x20) == 'x' && (target[1] | 0x20) == 'm' &&
-                          (target[2] | 0x20) == 'l' &&
-                          (space.find(target[3]) != std::string_view::npos || target[3] == '?');
     const std::size_t end = text_.find("?>", at_);
-    if (declares && (at_ != begin_ || !is_declaration(text_.substr(at_, end - at_)))) {
-      return fail(at_, "a bad or misplaced declaration");
-    }
+    const std::string_view text = text_.substr(at_, end - at_);
+    const std::string_view target = text.substr(2, text.find_first_of(space) - 2);
+    if (end == std::string_view::npos || !is_name(target)) return fail(at_, "a bad instruction");
+    const bool declares =
+        target.size() == 3 && (target[0] | 0x20) == 'x' && (target[1] | 0x20) == 'm' && (target[2] | 0x20) == 'l';
+    if (declares && (at_ != begin_ || !is_declaration(text))) return fail(at_, "a bad or misplaced declaration");
     at_ = end + 2;
   }
 
@@ -250,7 +259,7 @@ class Scanner {
     const std::string_view prefix = text_.substr(begin, at_ - begin);
     const std::size_t local = ++at_;
     at_ = ends.next(text_, at_);
-    if (at(':') || at_ == local || prefix.empty()) fail(begin, "a bad name");
+    if (at(':') || at_ == local || !is_letter(text_[local]) || prefix.empty()) fail(begin, "a bad name");
     if (prefix == "xmlns") {
       declared_.push_back({text_.substr(local, at_ - local), depth_});
       findings_.namespaces = true;

@@ -178,7 +178,9 @@ TEST_P(Xml, WhatIsNotWellFormedIsRefusedWithAReason) {
                                       "<?xml?><a/>",
                                       "<?xml version=1.0?><a/>",
                                       "<?xml version='2.0'?><a/>",
-                                      "<a><?XML x?></a>"}) {
+                                      "<a><?XML x?></a>",
+                                      "<a/><?p<q?>",
+                                      "<![CDATA[]]><a/>"}) {
     XmlNode* document = nullptr;
     std::wstring reason;
     EXPECT_EQ(xml().parse(text, document, reason), code::nothing) << text;
