@@ -68,7 +68,11 @@ inline constexpr CommandSchema get_string_from_xml = {
     .summary = "Reads one text out of an XML document by XPath.",
     .remarks =
         R"(The text that is read is expanded before it is stored; where it names an undefined variable it is stored
-as it stands.
+as it stands. An element's text is that of all elements in it, without white space at its ends; between two
+texts one blank stands for white space alone. What is in a namespace is found by `local-name()`.
+
+A file may be UTF-8, UTF-16 with its byte order mark, or have the encoding that it declares (ISO-8859-1 and
+windows-1252 work in a rehearsal on any desk), and have up to 64 MB. A document type is not allowed.
 
 Without a match the result is 0 and `int_ReturnCode` is 1, which the process would end with: a script sets
 `ReturnCode` back to 0 behind a value that may be absent.
