@@ -41,13 +41,13 @@ std::string Session::start(const ScriptKey& key) {
   if (decrypter == nullptr) {
     return "the system does not take the script key, error " + std::to_string(system_.errors.last());
   }
-  cipher_key_ = decrypter->key;
+  decrypter_ = decrypter.get();
   return put_host_keys(system_, decrypter.release(), store_);
 }
 
 std::vector<ScriptFault> Session::load(std::string_view script) {
-  const RememberingCipher::Memory memory(cipher_, cipher_key_);
-  LoadedScript loaded = ScriptLoader(system_, cipher_key_, {&library_, &own_}).load(script);
+  const RememberingCipher::Memory memory(cipher_, decrypter_->key);
+  LoadedScript loaded = ScriptLoader(system_, *decrypter_, {&library_, &own_}).load(script);
   program_ = std::move(loaded.program);
   return std::move(loaded.faults);
 }

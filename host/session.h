@@ -16,6 +16,8 @@
 
 namespace host {
 
+class ScriptDecrypter;
+
 /// One run of one script, from an empty store to its release. There is one at a time in a process, since its store is
 /// the one behind `Get` and `Put`; the host's own commands are bound to it as well.
 ///
@@ -55,7 +57,7 @@ class Session {
   const Factories& library_;
   Store store_;
   CurrentStore current_;
-  std::uintptr_t cipher_key_ = 0;
+  const ScriptDecrypter* decrypter_ = nullptr;  // the store's, from `start` on
   Program program_;
   std::int32_t return_code_ = 0;
   bool released_ = false;

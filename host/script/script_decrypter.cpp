@@ -11,9 +11,10 @@ std::unique_ptr<ScriptDecrypter, ky::Releaser> ScriptDecrypter::make(const ports
   return std::unique_ptr<ScriptDecrypter, ky::Releaser>(new ScriptDecrypter(system, imported));
 }
 
-ScriptDecrypter::ScriptDecrypter(const ports::System& system, std::uintptr_t imported) : cipher_(system.cipher) {
+ScriptDecrypter::ScriptDecrypter(const ports::System& system, std::uintptr_t imported)
+    : cipher_(system.cipher), converter_(system.winapi) {
   key = imported;
-  converter = &system.winapi;
+  converter = &converter_;
 }
 
 ScriptDecrypter::~ScriptDecrypter() {

@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "host/script/noting_converter.h"
 #include "host/script/script_key.h"
 #include "ky/decrypter.h"
 #include "platform/ports/system.h"
@@ -16,10 +17,14 @@ class ScriptDecrypter final : public ky::Destroyable<ScriptDecrypter, ky::Decryp
                                                                            const ScriptKey& key);
   ~ScriptDecrypter();
 
+  /// How many values could not be turned into wide text so far.
+  [[nodiscard]] std::size_t failed_conversions() const { return converter_.failures(); }
+
  private:
   ScriptDecrypter(const ports::System& system, std::uintptr_t imported);
 
   ports::ScriptCipher& cipher_;
+  NotingConverter converter_;
 };
 
 }  // namespace host

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "host/script/command_schema.h"
+#include "host/script/script_decrypter.h"
 #include "installer/utils/base/strings/format.h"
 #include "installer/utils/base/strings/number.h"
 #include "installer/utils/base/strings/utf8.h"
@@ -30,8 +31,9 @@ std::string code_text(ports::Result code) {
 
 }  // namespace
 
-ScriptLoader::ScriptLoader(const ports::System& system, std::uintptr_t key, std::vector<const Factories*> sources)
-    : system_(system), sources_(std::move(sources)), decipherer_(system.cipher, key) {}
+ScriptLoader::ScriptLoader(const ports::System& system, const ScriptDecrypter& decrypter,
+                           std::vector<const Factories*> sources)
+    : system_(system), decrypter_(decrypter), sources_(std::move(sources)), decipherer_(system.cipher, decrypter.key) {}
 
 ScriptLoader::~ScriptLoader() = default;
 
@@ -203,6 +205,7 @@ CommandOwner ScriptLoader::load_command(const Kind& kind, MapOwner& map) {
   command->SetIndex(previous_index_);
   ky::AttributeMap* handed_over = map.give_up();
   std::uint32_t result = 0;
+  const std::size_t failed_before = decrypter_.failed_conversions();
   try {
     result = command->LoadCiphered(&handed_over);
   } catch (const std::exception& error) {
@@ -210,6 +213,10 @@ CommandOwner ScriptLoader::load_command(const Kind& kind, MapOwner& map) {
     return nullptr;
   } catch (...) {
     fault(kind.name, {}, "its load failed");
+    return nullptr;
+  }
+  if (decrypter_.failed_conversions() != failed_before) {
+    fault(kind.name, {}, "one of its values could not be converted");
     return nullptr;
   }
   if (result == 0) return command;

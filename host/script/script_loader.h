@@ -22,6 +22,7 @@ struct System;
 namespace host {
 
 struct CommandSchema;
+class ScriptDecrypter;
 
 /// What became of a script. It may run only where `faults` is empty.
 struct LoadedScript {
@@ -35,9 +36,9 @@ struct LoadedScript {
 /// are collected.
 class ScriptLoader {
  public:
-  /// `key` is an imported key of `system.cipher`, the one of the Decrypter in the store: the commands decipher through
-  /// that. A name is looked for in the sources in their order.
-  ScriptLoader(const ports::System& system, std::uintptr_t key, std::vector<const Factories*> sources);
+  /// `decrypter` is the one in the store, through which the commands decipher. A name is looked for in the sources in
+  /// their order.
+  ScriptLoader(const ports::System& system, const ScriptDecrypter& decrypter, std::vector<const Factories*> sources);
   ~ScriptLoader();
 
   /// `utf8` is the document, with or without byte order mark.
@@ -64,6 +65,7 @@ class ScriptLoader {
   void check_all_ways();
 
   const ports::System& system_;
+  const ScriptDecrypter& decrypter_;
   std::vector<const Factories*> sources_;
   Decipherer decipherer_;
   std::unordered_map<std::wstring, Kind> kinds_;

@@ -33,10 +33,23 @@ value number(std::size_t count) {
   return value(static_cast<double>(count));
 }
 
+/// A message in one line: a control character that came from the script is shown as its reference.
+std::string one_line(const std::string& message) {
+  std::string line;
+  for (const char c : message) {
+    if (static_cast<unsigned char>(c) < 0x20) {
+      line += "&#" + std::to_string(static_cast<int>(c)) + ';';
+    } else {
+      line += c;
+    }
+  }
+  return line;
+}
+
 void print(const CheckedFile& file, std::ostream& out) {
   for (const Finding& finding : file.findings) {
     out << file.name << ':' << finding.at.line << ':' << finding.at.column << ": " << name_of(severity_of(finding))
-        << ": " << finding.message << " [" << finding.rule << "]\n";
+        << ": " << one_line(finding.message) << " [" << finding.rule << "]\n";
   }
 }
 

@@ -15,7 +15,7 @@ class CheckFiles : public testing::Test {
  protected:
   CheckFiles() {
     write("clean.xml", "<Nop/>");
-    write("warned.xml", "\n<Nop execCondition=\"Unset\"/>\n<Evaluate expression=\"1 2\"/>");
+    write("warned.xml", "\n<Nop execCondition=\"Unset\"/>\n<Evaluate expression=\"1 2\" resultVar=\"R\"/>");
     write("faulty.xml", "<DeleteFile pathFile=\"[None]\"/>");
   }
 
@@ -61,6 +61,13 @@ TEST_F(CheckFiles, AnErrorOrAFileThatCannotBeReadGivesOneAndAWarningDoesNot) {
   EXPECT_EQ(run({"absent.xml", "warned.xml"}), 1);
   EXPECT_EQ(err_, (folder_ / "absent.xml") + ": cannot be read: it does not exist\n");
   EXPECT_NE(out_.find("warned.xml:2:6"), std::string::npos);
+}
+
+TEST_F(CheckFiles, AFindingIsOneLineWhateverAValueHolds) {
+  write("lines.xml", "<Nop execCondition=\"a&#10;b\"/>");
+  EXPECT_EQ(run({"lines.xml"}), 0);
+  EXPECT_EQ(out_,
+            "lines.xml:1:39: warning: \"execCondition\": nothing on any way here puts int_a&#10;b [unwritten-key]\n");
 }
 
 TEST_F(CheckFiles, JsonIsOneDocument) {

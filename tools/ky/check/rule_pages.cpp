@@ -36,8 +36,7 @@ std::string rule_index() {
       std::string(generated_note) +
       "# Rules of `ky script check`\n\n"
       "An error is a script that is refused, stops, or has a command that cannot do its work. A warning is one that "
-      "runs, "
-      "and probably not as it is meant. In the examples `expect` tells line and column of what is reported.\n\n"
+      "runs, and probably not as it is meant. In the examples `expect` tells line and column of what is reported.\n\n"
       "| Rule | Severity | What is reported |\n|---|---|---|\n";
   for (const Rule& rule : all_rules()) {
     const std::string name(rule.name);

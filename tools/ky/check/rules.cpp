@@ -12,7 +12,7 @@ constexpr Rule rules[] = {
      "The command refuses the value at every run. Case counts.", "Write one of the values that the message lists."},
     {rule::bad_expression, Severity::error, "An expression does not parse.",
      "The command logs the error and stores 0, so that everything computed from it is wrong. A name or number of 128 "
-     "characters or more stops the process.",
+     "characters or more stops the process, and so does a `%` with the divisor 0.",
      "Correct the expression; `docs/commands/Evaluate.md` lists operators and functions. Operators in letters are in "
      "capitals, and a function takes one argument in brackets."},
     {rule::bad_id, Severity::error, "An `id` is empty, taken twice or `end`.",
@@ -20,11 +20,9 @@ constexpr Rule rules[] = {
     {rule::bad_number, Severity::error, "A value should be a number and is none.",
      "A command reads text that is no number as 0, and only the part of `5x` that is one. A `next` or `target` that is "
      "no number would send the run to the command with index 0, a flag `true` would be off, and a number beyond 32 "
-     "bits "
-     "would be another one. An index is 0 to 2147483646.",
+     "bits would be another one. An index is 0 to 2147483646.",
      "Write a whole number: decimal, `0x` and hexadecimal, or `0` and octal. A flag is `1` or `0`. Ways may be `#` "
-     "and "
-     "an id."},
+     "and an id."},
     {rule::bad_xpath, Severity::error, "An XPath does not parse or selects no nodes.",
      "Nothing is read at any run, and `int_ReturnCode` gets the error, which the process then ends with. Variables "
      "that something puts are taken for a name here.",
@@ -78,17 +76,18 @@ constexpr Rule rules[] = {
      "The command stops looking at the first number that is missing, or, where numbers may be missing, at the count of "
      "the element's attributes.",
      "Number from 1 on, without gaps."},
-    {rule::odd_name, Severity::warning, "A variable's name is empty, or has a prefix or brackets.",
+    {rule::odd_name, Severity::warning, "A variable's name is empty or missing, or has a prefix or brackets.",
      "Names are written bare: the command itself puts `int_` or `String_` in front, and `int_Count` would be the key "
-     "`int_int_Count`, which no other command reads. Brackets would be part of the name.",
+     "`int_int_Count`, which no other command reads. Brackets would be part of the name. An `Evaluate` that neither "
+     "assigns nor has `resultVar` writes the key `int_`.",
      "Write the bare name."},
     {rule::undecipherable, Severity::error, "A name or value of an enciphered script does not decipher.",
      "A command's load stops the process there. The place is that in the enciphered file, which is one line.",
      "Check it with the key that it was enciphered with (`--script-key`), or compile it anew."},
     {rule::undefined_variable, Severity::error, "A text variable that nothing on any way to the command puts.",
      "The command cannot do its work: where `[Name]` is undefined the whole text stays as it is or the result is 31, "
-     "and "
-     "a `Jump` with it in `strValue` stops the process, as does reading a document that is not there. What one command "
+     "and a `Jump` with it in `strValue` stops the process, as does reading a document that is not there. What one "
+     "command "
      "puts is there for those behind it, not for itself.",
      "Put the variable before, or correct the name. Case counts."},
     {rule::unknown_attribute, Severity::error, "The command has no such attribute.",
@@ -105,10 +104,10 @@ constexpr Rule rules[] = {
      "Write the variable before, or correct the name. Case counts, and integers and texts of the same name are two."},
     {rule::xpath_brackets, Severity::warning, "Brackets in an XPath are taken for a variable, or hide one.",
      "Before it is used the XPath is expanded like any other text, and `[` of a predicate looks like `[Name]`. Where "
-     "one "
-     "of the names is no variable nothing is replaced, real variables neither; where all are, a predicate is replaced "
+     "one of the names is no variable nothing is replaced, real variables neither; where all are, a predicate is "
+     "replaced "
      "by text.",
-     "Use variables in front of all predicates or without any, as in `/config/[Part]/Path` instead of "
+     "Use variables only in an XPath without predicates, as in `/config/[Part]/Path` instead of "
      "`/config/Part[@id='[Id]']/Path`; of several matches the first is read anyway. Call no variable what a predicate "
      "holds."},
 };

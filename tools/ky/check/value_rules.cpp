@@ -37,7 +37,7 @@ class ValueRules {
         check_name(command, attribute);
         check_need(command, attribute);
         check_folder(attribute);
-        if (attribute.schema->form == Form::expression) check_expression(attribute);
+        if (attribute.schema->form == Form::expression) check_expression(command, attribute);
         note_prefixes(attribute);
       }
       check_families(command);
@@ -89,7 +89,7 @@ class ValueRules {
          quoted(attribute.written->name) + " names a folder and does not end in a backslash");
   }
 
-  void check_expression(const KnownAttribute& attribute) {
+  void check_expression(const KnownCommand& command, const KnownAttribute& attribute) {
     const std::string& value = attribute.written->value;
     const base::expressions::SyntaxCheck syntax = base::expressions::check_syntax(value);
     if (!syntax.error.empty()) {
@@ -97,6 +97,12 @@ class ValueRules {
            quoted(attribute.written->name) + ": " + syntax.error + ", at character " +
                std::to_string(syntax.error_offset + 1));
       return;
+    }
+    const bool assigns = std::any_of(syntax.variables.begin(), syntax.variables.end(),
+                                     [](const base::expressions::VariableUse& use) { return use.written; });
+    if (!assigns && !command.has("resultVar")) {
+      find(attribute, rule::odd_name,
+           quoted(attribute.written->name) + ": the result goes to a variable without a name");
     }
     if (syntax.end >= value.size() || value.find_first_not_of(" \t", syntax.end) == std::string::npos) return;
     find(attribute, rule::ignored_tail,

@@ -23,7 +23,8 @@ inline void EndExecute(CInstallCommand& command, const wchar_t* name) {
 }
 
 /// The end of the standard shape for commands that owe it also when an exception leaves them: ends the run and leaves
-/// the entered guard with the scope.
+/// the entered guard with the scope. A log that throws at the end line ends the process: the scope may be left by an
+/// exception already.
 class StandardEnd {
  public:
   StandardEnd(CInstallCommand& command, CommandGuard& entered, const wchar_t* name)

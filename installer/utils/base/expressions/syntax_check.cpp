@@ -1,7 +1,9 @@
 #include "installer/utils/base/expressions/syntax_check.h"
 
+#include <optional>
 #include <utility>
 
+#include "installer/utils/base/expressions/arithmetic.h"
 #include "installer/utils/base/expressions/grammar.h"
 
 namespace base::expressions {
@@ -14,23 +16,36 @@ struct Refusal {
   const char* at;
 };
 
-/// A domain without values: it notes names alone.
+/// A domain that notes names, and knows the values of numbers alone: what is computed from a variable, or by a
+/// function, is known in a run only.
 class Collecting {
  public:
-  struct Value {};
+  struct Value {
+    std::optional<double> known = std::nullopt;
+    const char* at = nullptr;  // its last number or name
+  };
 
   explicit Collecting(const char* text) : text_(text) {}
 
-  Value number(std::string_view) { return {}; }
-  Value constant(double) { return {}; }
+  Value number(std::string_view token) { return {to_number(token), token.data()}; }
+  Value constant(double value) { return {value, text_}; }
   Value variable(std::string_view name) {
     uses_.push_back(use_of(name, false));
-    return {};
+    return {std::nullopt, name.data()};
   }
-  Value negated(Value) { return {}; }
-  Value inverted(Value) { return {}; }
-  Value apply(Operator, Value, Value) { return {}; }
-  Value call(const Function&, Value) { return {}; }
+  Value negated(Value value) { return {value.known ? std::optional(-*value.known) : std::nullopt, value.at}; }
+  Value inverted(Value value) {
+    return {value.known ? std::optional(expressions::inverted(*value.known)) : std::nullopt, value.at};
+  }
+  Value apply(Operator op, Value left, Value right) {
+    if (op == Operator::factorial) return {std::nullopt, left.at};
+    if (op == Operator::remainder && right.known && remainder_faults(left.known.value_or(1), *right.known)) {
+      throw Refusal{"A remainder that stops the process", right.at};
+    }
+    if (!left.known || !right.known) return {std::nullopt, right.at};
+    return {apply_operator(op, *left.known, *right.known), right.at};
+  }
+  Value call(const Function&, Value argument) { return {std::nullopt, argument.at}; }
   void assign(std::string_view name, Value) { uses_.insert(uses_.begin(), use_of(name, true)); }
 
   [[noreturn]] void fail(ErrorId id, std::string_view argument, const char* at) {
