@@ -84,8 +84,8 @@ bool is_low_surrogate(wchar_t unit) {
   return unit >= 0xDC00 && unit <= 0xDFFF;
 }
 
-void append_utf8(std::string& out, char32_t c) {
-  const auto put = [&](char32_t byte) { out.push_back(static_cast<char>(static_cast<unsigned char>(byte))); };
+void put_utf8(char*& out, char32_t c) {
+  const auto put = [&](char32_t byte) { *out++ = static_cast<char>(static_cast<unsigned char>(byte)); };
   if (c < 0x80) {
     put(c);
   } else if (c < 0x800) {
@@ -143,18 +143,23 @@ std::size_t to_wide(std::string_view utf8, wchar_t* out) {
 }
 
 std::string to_utf8(std::wstring_view wide) {
-  std::string out;
-  out.reserve(wide.size());
+  std::string out(wide.size() * 3, '\0');
+  out.resize(to_utf8(wide, out.data()));
+  return out;
+}
+
+std::size_t to_utf8(std::wstring_view wide, char* out) {
+  char* to = out;
   for (std::size_t at = 0; at < wide.size(); ++at) {
     const wchar_t unit = wide[at];
     if (is_high_surrogate(unit) && at + 1 < wide.size() && is_low_surrogate(wide[at + 1])) {
       const auto high = static_cast<char32_t>(unit) - 0xD800;
-      append_utf8(out, 0x10000 + (high << 10) + (static_cast<char32_t>(wide[++at]) - 0xDC00));
+      put_utf8(to, 0x10000 + (high << 10) + (static_cast<char32_t>(wide[++at]) - 0xDC00));
     } else {
-      append_utf8(out, is_surrogate(unit) ? replacement : static_cast<char32_t>(unit));
+      put_utf8(to, is_surrogate(unit) ? replacement : static_cast<char32_t>(unit));
     }
   }
-  return out;
+  return static_cast<std::size_t>(to - out);
 }
 
 bool is_utf8(std::string_view bytes) {
