@@ -10,6 +10,25 @@ namespace ports {
 /// An NTSTATUS: 0 or more is success.
 using Status = std::int32_t;
 
+[[nodiscard]] constexpr bool status_ok(Status status) {
+  return status >= 0;
+}
+
+/// Statuses that the logic or an engine names.
+namespace status {
+inline constexpr Status success = 0;
+inline constexpr Status unsuccessful = static_cast<Status>(0xC0000001);
+inline constexpr Status not_implemented = static_cast<Status>(0xC0000002);
+inline constexpr Status invalid_handle = static_cast<Status>(0xC0000008);
+inline constexpr Status invalid_parameter = static_cast<Status>(0xC000000D);
+inline constexpr Status no_memory = static_cast<Status>(0xC0000017);
+inline constexpr Status buffer_too_small = static_cast<Status>(0xC0000023);
+inline constexpr Status data_error = static_cast<Status>(0xC000003E);
+inline constexpr Status not_supported = static_cast<Status>(0xC00000BB);
+inline constexpr Status invalid_buffer_size = static_cast<Status>(0xC0000206);
+inline constexpr Status not_found = static_cast<Status>(0xC0000225);
+}  // namespace status
+
 enum class CngAlgorithm : std::uintptr_t { null = 0 };
 enum class CngKey : std::uintptr_t { null = 0 };
 
@@ -38,6 +57,7 @@ class Cng {
   [[nodiscard]] virtual Status generate_key(CngAlgorithm algorithm, std::span<const std::uint8_t> secret,
                                             CngKey& out) = 0;
   /// BCryptImportKeyPair of a "PUBLICBLOB" (BCRYPT_RSAPUBLIC_BLOB) and of a "RSAPRIVATEBLOB" (BCRYPT_RSAPRIVATE_BLOB).
+  /// Fails for bytes that are no such blob.
   [[nodiscard]] virtual Status import_public_key(CngAlgorithm rsa, std::span<const std::uint8_t> blob, CngKey& out) = 0;
   [[nodiscard]] virtual Status import_private_key(CngAlgorithm rsa, std::span<const std::uint8_t> blob,
                                                   CngKey& out) = 0;
@@ -51,12 +71,15 @@ class Cng {
   /// `into` it tells the size and succeeds.
   [[nodiscard]] virtual Status export_key(CngKey key, std::span<std::uint8_t> into, std::uint32_t& size) = 0;
 
-  /// BCryptEncrypt: all of `plain` as one message. `iv` has a block's length and need not keep its value. With an empty
-  /// `into` it tells the size that is needed.
+  /// BCryptEncrypt: all of `plain` as one message. `iv` has a block's length and need not keep its value; an RSA key
+  /// does not look at it. With an empty `into` it tells the size that is needed; a smaller one fails with
+  /// buffer_too_small. A symmetric key takes cng_padding::block, an RSA key cng_padding::pkcs1.
   [[nodiscard]] virtual Status encrypt(CngKey key, std::span<const std::uint8_t> plain, std::span<std::uint8_t> iv,
                                        std::span<std::uint8_t> into, std::uint32_t& size, std::uint32_t padding) = 0;
 
-  /// BCryptDecrypt, the inverse. Fails where the padding is wrong or the length is no whole number of blocks.
+  /// BCryptDecrypt, the inverse, also in place. `into` has the cipher's length; with an empty one it tells that size.
+  /// Fails where the padding is wrong or the length is no whole number of blocks. An RSA key that is not the right one
+  /// fails or gives other bytes.
   [[nodiscard]] virtual Status decrypt(CngKey key, std::span<const std::uint8_t> cipher, std::span<std::uint8_t> iv,
                                        std::span<std::uint8_t> into, std::uint32_t& size, std::uint32_t padding) = 0;
 

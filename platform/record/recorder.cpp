@@ -15,10 +15,10 @@ struct Recorder::Parts {
         files(inner, ledger),
         registry(inner, ledger),
         processes(inner, ledger),
-        outer{inner.errors,      inner.clock,     inner.threads, waits,           files,
-              registry,          processes,       inner.modules, inner.resources, inner.environment,
-              inner.termination, inner.text,      inner.winapi,  inner.cipher,    inner.key_maker,
-              inner.xml,         inner.own_module} {}
+        outer{inner.errors,      inner.clock,     inner.threads,     waits,           files,
+              registry,          processes,       inner.modules,     inner.resources, inner.environment,
+              inner.termination, inner.text,      inner.log_streams, inner.crashes,   inner.winapi,
+              inner.cipher,      inner.key_maker, inner.xml,         inner.cng,       inner.own_module} {}
 
   const ports::System inner;
   Ledger ledger;
