@@ -61,13 +61,14 @@ Status BlockKey::export_to(std::span<std::uint8_t> into, std::uint32_t& size) co
 }
 
 Status BlockKey::turn(CipherContexts& contexts, std::span<const std::uint8_t> from, std::span<const std::uint8_t> iv,
-                      std::uint8_t* to, std::uint32_t& size) const {
+                      std::uint8_t* to, std::uint32_t& size, std::uint32_t padding) const {
   CipherContext context = contexts.take();
   if (context == nullptr) return status::no_memory;
   int written = 0;
   int rest = 0;
   // The key and the way (-1) stay as they are.
   const bool turned = EVP_CipherInit_ex(context.get(), nullptr, nullptr, nullptr, iv.data(), -1) == 1 &&
+                      EVP_CIPHER_CTX_set_padding(context.get(), padding == ports::cng_padding::none ? 0 : 1) == 1 &&
                       EVP_CipherUpdate(context.get(), to, &written, from.data(), static_cast<int>(from.size())) == 1 &&
                       EVP_CipherFinal_ex(context.get(), to + written, &rest) == 1;
   contexts.give_back(std::move(context));
@@ -85,17 +86,17 @@ Status BlockKey::encrypt(std::span<const std::uint8_t> plain, std::span<const st
   size = (static_cast<std::uint32_t>(plain.size()) / block_length_ + 1) * block_length_;
   if (into.empty()) return status::success;
   if (into.size() < size) return status::buffer_too_small;
-  return turn(encrypting_, plain, iv, into.data(), size);
+  return turn(encrypting_, plain, iv, into.data(), size, padding);
 }
 
 Status BlockKey::decrypt(std::span<const std::uint8_t> cipher, std::span<const std::uint8_t> iv,
                          std::span<std::uint8_t> into, std::uint32_t& size, std::uint32_t padding) {
-  if (padding != ports::cng_padding::block || iv.size() != block_length_) return status::invalid_parameter;
+  if (padding > ports::cng_padding::block || iv.size() != block_length_) return status::invalid_parameter;
   if (cipher.empty() || cipher.size() % block_length_ != 0) return status::invalid_buffer_size;
   size = static_cast<std::uint32_t>(cipher.size());
   if (into.empty()) return status::success;
   if (into.size() < size) return status::buffer_too_small;
-  return turn(decrypting_, cipher, iv, into.data(), size);
+  return turn(decrypting_, cipher, iv, into.data(), size, padding);
 }
 
 }  // namespace native

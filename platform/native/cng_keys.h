@@ -41,7 +41,8 @@ class BlockKey final : public CngKeyObject {
 
  private:
   [[nodiscard]] ports::Status turn(CipherContexts& contexts, std::span<const std::uint8_t> from,
-                                   std::span<const std::uint8_t> iv, std::uint8_t* to, std::uint32_t& size) const;
+                                   std::span<const std::uint8_t> iv, std::uint8_t* to, std::uint32_t& size,
+                                   std::uint32_t padding) const;
 
   const std::uint32_t block_length_;
   std::vector<std::uint8_t> secret_;

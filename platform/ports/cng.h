@@ -34,6 +34,7 @@ enum class CngKey : std::uintptr_t { null = 0 };
 
 /// Flags of `Cng::encrypt` and `decrypt`.
 namespace cng_padding {
+inline constexpr std::uint32_t none = 0;   // whole blocks; of `decrypt` with a symmetric key alone
 inline constexpr std::uint32_t block = 1;  // BCRYPT_BLOCK_PADDING: PKCS #7
 inline constexpr std::uint32_t pkcs1 = 2;  // BCRYPT_PAD_PKCS1: RSA, PKCS #1 v1.5
 }  // namespace cng_padding
@@ -78,8 +79,9 @@ class Cng {
                                        std::span<std::uint8_t> into, std::uint32_t& size, std::uint32_t padding) = 0;
 
   /// BCryptDecrypt, the inverse, also in place. `into` has the cipher's length; with an empty one it tells that size.
-  /// Fails where the padding is wrong or the length is no whole number of blocks. An RSA key that is not the right one
-  /// fails or gives other bytes.
+  /// Fails where the padding is wrong or the length is no whole number of blocks. With cng_padding::none a symmetric
+  /// key deciphers all blocks and leaves what may be padding in place. An RSA key that is not the right one fails or
+  /// gives other bytes.
   [[nodiscard]] virtual Status decrypt(CngKey key, std::span<const std::uint8_t> cipher, std::span<std::uint8_t> iv,
                                        std::span<std::uint8_t> into, std::uint32_t& size, std::uint32_t padding) = 0;
 
