@@ -23,7 +23,8 @@ CipherContexts::~CipherContexts() {
 CipherContext CipherContexts::make() const {
   CipherContext context(EVP_CIPHER_CTX_new());
   if (context == nullptr ||
-      EVP_CipherInit_ex(context.get(), cipher_, nullptr, key_.data(), nullptr, static_cast<int>(way_)) != 1) {
+      EVP_CipherInit_ex(context.get(), cipher_, nullptr, key_.data(), nullptr, way_ == Way::encrypt ? 1 : 0) != 1 ||
+      EVP_CIPHER_CTX_set_padding(context.get(), way_ == Way::decrypt_bare ? 0 : 1) != 1) {
     return nullptr;
   }
   return context;

@@ -15,8 +15,8 @@ struct CipherContextDeleter {
 };
 using CipherContext = std::unique_ptr<EVP_CIPHER_CTX, CipherContextDeleter>;
 
-/// Which way a context turns.
-enum class Way : int { decrypt = 0, encrypt = 1 };
+/// Which way a context turns; `decrypt_bare` leaves the padding in place.
+enum class Way { encrypt, decrypt, decrypt_bare };
 
 /// Contexts that hold one key's schedule for one way, kept for the next message: as many as threads were at work at
 /// once. Any thread, without a lock.

@@ -43,7 +43,8 @@ BlockKey::BlockKey(const EVP_CIPHER* cipher, std::span<const std::uint8_t> secre
     : block_length_(static_cast<std::uint32_t>(EVP_CIPHER_get_block_size(cipher))),
       secret_(secret.begin(), secret.end()),
       encrypting_(cipher, secret_, Way::encrypt),
-      decrypting_(cipher, secret_, Way::decrypt) {}
+      decrypting_(cipher, secret_, Way::decrypt),
+      decrypting_bare_(cipher, secret_, Way::decrypt_bare) {}
 
 BlockKey::~BlockKey() {
   OPENSSL_cleanse(secret_.data(), secret_.size());
@@ -61,14 +62,13 @@ Status BlockKey::export_to(std::span<std::uint8_t> into, std::uint32_t& size) co
 }
 
 Status BlockKey::turn(CipherContexts& contexts, std::span<const std::uint8_t> from, std::span<const std::uint8_t> iv,
-                      std::uint8_t* to, std::uint32_t& size, std::uint32_t padding) const {
+                      std::uint8_t* to, std::uint32_t& size) const {
   CipherContext context = contexts.take();
   if (context == nullptr) return status::no_memory;
   int written = 0;
   int rest = 0;
   // The key and the way (-1) stay as they are.
   const bool turned = EVP_CipherInit_ex(context.get(), nullptr, nullptr, nullptr, iv.data(), -1) == 1 &&
-                      EVP_CIPHER_CTX_set_padding(context.get(), padding == ports::cng_padding::none ? 0 : 1) == 1 &&
                       EVP_CipherUpdate(context.get(), to, &written, from.data(), static_cast<int>(from.size())) == 1 &&
                       EVP_CipherFinal_ex(context.get(), to + written, &rest) == 1;
   contexts.give_back(std::move(context));
@@ -86,7 +86,7 @@ Status BlockKey::encrypt(std::span<const std::uint8_t> plain, std::span<const st
   size = (static_cast<std::uint32_t>(plain.size()) / block_length_ + 1) * block_length_;
   if (into.empty()) return status::success;
   if (into.size() < size) return status::buffer_too_small;
-  return turn(encrypting_, plain, iv, into.data(), size, padding);
+  return turn(encrypting_, plain, iv, into.data(), size);
 }
 
 Status BlockKey::decrypt(std::span<const std::uint8_t> cipher, std::span<const std::uint8_t> iv,
@@ -96,7 +96,8 @@ Status BlockKey::decrypt(std::span<const std::uint8_t> cipher, std::span<const s
   size = static_cast<std::uint32_t>(cipher.size());
   if (into.empty()) return status::success;
   if (into.size() < size) return status::buffer_too_small;
-  return turn(decrypting_, cipher, iv, into.data(), size, padding);
+  CipherContexts& contexts = padding == ports::cng_padding::none ? decrypting_bare_ : decrypting_;
+  return turn(contexts, cipher, iv, into.data(), size);
 }
 
 }  // namespace native

@@ -41,13 +41,13 @@ class BlockKey final : public CngKeyObject {
 
  private:
   [[nodiscard]] ports::Status turn(CipherContexts& contexts, std::span<const std::uint8_t> from,
-                                   std::span<const std::uint8_t> iv, std::uint8_t* to, std::uint32_t& size,
-                                   std::uint32_t padding) const;
+                                   std::span<const std::uint8_t> iv, std::uint8_t* to, std::uint32_t& size) const;
 
   const std::uint32_t block_length_;
   std::vector<std::uint8_t> secret_;
   CipherContexts encrypting_;
   CipherContexts decrypting_;
+  CipherContexts decrypting_bare_;
 };
 
 /// The cipher of an algorithm with a key of so many bytes; null where it has none.
