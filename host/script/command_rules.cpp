@@ -10,12 +10,15 @@ namespace host {
 namespace {
 
 constexpr CommandRule rules[] = {
+    {"ClearOldLogs"},
+    {"CrashHandler"},
     {"DeleteFile", {L"pathFile"}},
     {"DeleteFolder", {L"path"}},
     {"DeleteRegKey", {L"base", L"subkey"}},
     {"DeleteRegValue", {L"base", L"subkey", L"value"}},
     {"Jump", {L"condition", L"target"}},
     {"LoadFilesFromResources"},
+    {"Logger"},
     {"Nop"},
     {"PathExists", {L"path", L"variable"}},
     {"RunCommand", {L"command"}},

@@ -1,6 +1,9 @@
 #include "ky/factories.h"
 
 #include "installer/desktop/commands/data/loadfilesfromresourcescommand.h"
+#include "installer/desktop/commands/diagnostics/clearoldlogscommand.h"
+#include "installer/desktop/commands/diagnostics/crashhandlercommand.h"
+#include "installer/desktop/commands/diagnostics/loggercommand.h"
 #include "installer/desktop/commands/files/deletefilecommand.h"
 #include "installer/desktop/commands/files/pathexistscommand.h"
 #include "installer/desktop/commands/flow/jumpcommand.h"
