@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "platform/ports/cng.h"
+
+namespace diagnostics::reader {
+
+/// The key that a run's records are sealed with.
+class SessionKey {
+ public:
+  SessionKey(ports::Cng& cng, ports::CngKey key, std::uint32_t block_size)
+      : cng_(cng), key_(key), block_size_(block_size) {}
+  ~SessionKey() { cng_.destroy_key(key_); }
+  SessionKey(const SessionKey&) = delete;
+  SessionKey& operator=(const SessionKey&) = delete;
+
+  [[nodiscard]] std::uint32_t block_size() const { return block_size_; }
+
+  /// Deciphers whole blocks as one chained message from a zero initialisation vector and leaves the padding in place.
+  /// `plain` is as long as `cipher`.
+  [[nodiscard]] bool decrypt(std::span<const std::uint8_t> cipher, std::span<std::uint8_t> plain) const;
+
+ private:
+  ports::Cng& cng_;
+  const ports::CngKey key_;
+  const std::uint32_t block_size_;
+};
+
+/// Opens wrapped session keys with a log's private key.
+class KeyOpener {
+ public:
+  explicit KeyOpener(ports::Cng& cng) : cng_(cng) {}
+  ~KeyOpener();
+  KeyOpener(const KeyOpener&) = delete;
+  KeyOpener& operator=(const KeyOpener&) = delete;
+
+  /// Takes a BCRYPT_RSAPRIVATE_BLOB and the name of the records' algorithm. Gives the empty string or what is wrong
+  /// with them.
+  [[nodiscard]] std::string set_up(std::span<const std::uint8_t> private_key, const std::wstring& algorithm);
+
+  /// A wrapped key has exactly this many bytes.
+  [[nodiscard]] std::uint32_t wrapped_size() const { return wrapped_size_; }
+
+  /// Null where the bytes are no key of the algorithm, wrapped for this private key.
+  [[nodiscard]] std::shared_ptr<const SessionKey> open(std::span<const std::uint8_t> wrapped) const;
+
+ private:
+  ports::Cng& cng_;
+  ports::CngAlgorithm rsa_ = ports::CngAlgorithm::null;
+  ports::CngAlgorithm symmetric_ = ports::CngAlgorithm::null;
+  ports::CngKey private_key_ = ports::CngKey::null;
+  std::uint32_t wrapped_size_ = 0;
+};
+
+}  // namespace diagnostics::reader
