@@ -50,7 +50,9 @@ TEST(RsaBlob, WhatIsNoKeyGivesNone) {
   EXPECT_TRUE(private_key_blob(open).empty());
   for (std::size_t size = 0; size < secret.size(); ++size) {
     EXPECT_TRUE(private_key_blob(part(secret, 0, size)).empty()) << size;
-    if (size < open.size()) EXPECT_TRUE(public_key_blob(part(open, 0, size)).empty()) << size;
+    if (size < open.size()) {
+      EXPECT_TRUE(public_key_blob(part(open, 0, size)).empty()) << size;
+    }
   }
   for (const char* text :
        {"", "-----BEGIN PUBLIC KEY-----\n", "-----BEGIN PUBLIC KEY-----\n*\n-----END PUBLIC KEY-----",
