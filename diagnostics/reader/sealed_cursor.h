@@ -44,6 +44,7 @@ class SealedCursor final : public Cursor {
   [[nodiscard]] bool record_fits(std::uint64_t offset);
   [[nodiscard]] bool header_at(std::uint64_t offset);
   [[nodiscard]] bool boundary_at(std::uint64_t offset);
+  [[nodiscard]] bool is_framed(std::uint64_t begin);
   [[nodiscard]] bool is_whole(std::uint64_t begin, std::uint64_t end);
 
   const ByteSource& source_;

@@ -1,5 +1,6 @@
 // How a cursor over the sealed form goes on behind damage.
 #include <algorithm>
+#include <optional>
 
 #include "diagnostics/log_format.h"
 #include "diagnostics/reader/little_endian.h"
@@ -81,19 +82,23 @@ bool SealedCursor::recover() {
 
 /// Goes on at the next record that can be found, with its length field or without.
 bool SealedCursor::resynchronise(std::uint64_t from) {
-  for (std::uint64_t search = from; const auto begin = starts_.find(search, extent_.end); search = *begin + 1) {
-    if (*begin > from + length_size) {
-      const std::uint64_t field = *begin - length_size;
-      const std::uint64_t after = *begin + length_at(field);
-      if (record_fits(field) && (is_whole(*begin, after) || boundary_at(after))) {
-        drop_batch();
-        pass_over(from, field);
-        return true;
-      }
+  std::optional<std::uint64_t> begin = starts_.find(from, extent_.end);
+  for (; begin; begin = starts_.find(*begin + 1, extent_.end)) {
+    if (*begin > from + length_size && is_framed(*begin)) {
+      drop_batch();
+      pass_over(from, *begin - length_size);
+      return true;
     }
     if (take_without_length(from, *begin)) return true;
   }
   return end_torn(from);
+}
+
+/// True where the length field before a record's cipher text can be trusted.
+bool SealedCursor::is_framed(std::uint64_t begin) {
+  const std::uint64_t field = begin - length_size;
+  const std::uint64_t end = begin + length_at(field);
+  return record_fits(field) && (is_whole(begin, end) || boundary_at(end));
 }
 
 /// Takes the record whose cipher text begins at `begin` where it ends before the next one, or with the file.
