@@ -202,7 +202,8 @@ TEST_F(LogReader, AWrongKeyIsToldApartFromDamage) {
   workbench::DeskEngines desk;
   ASSERT_TRUE(desk.engines().key_maker().rsa_pair(1024, other));
   KeyOpener keys(maker_.cng());
-  ASSERT_EQ(keys.set_up(diagnostics::private_key_blob(other.private_key), L"AES"), "");
+  ASSERT_TRUE(keys.use_algorithm(L"AES"));
+  ASSERT_TRUE(keys.use_private_key(diagnostics::private_key_blob(other.private_key)));
   settings_.keys = &keys;
   const std::string another =
       "offset 0: the private key is another log's: it does not open the key that all files of the run hold\n";
@@ -223,9 +224,8 @@ TEST_F(LogReader, AWrongKeyIsToldApartFromDamage) {
   EXPECT_EQ(all.lines.size(), 0U);
 
   KeyOpener none(maker_.cng());
-  EXPECT_EQ(none.set_up(support::LogMaker::private_key(), L"ROT13"), "the algorithm is not known");
-  KeyOpener no_key(maker_.cng());
-  EXPECT_EQ(no_key.set_up(std::vector<std::uint8_t>(20), L"AES"), "it is no private key for logs");
+  EXPECT_FALSE(none.use_algorithm(L"ROT13"));
+  EXPECT_FALSE(none.use_private_key(std::vector<std::uint8_t>(20)));
 }
 
 TEST_F(LogReader, AThreadInAMergedFileAndInItsOwnIsReadOnce) {

@@ -40,14 +40,14 @@ KeyOpener::~KeyOpener() {
   cng_.close_algorithm(symmetric_);
 }
 
-std::string KeyOpener::set_up(std::span<const std::uint8_t> private_key, const std::wstring& algorithm) {
-  if (!ports::status_ok(cng_.open_algorithm(algorithm.c_str(), symmetric_))) return "the algorithm is not known";
-  if (!ports::status_ok(cng_.open_algorithm(L"RSA", rsa_)) ||
-      !ports::status_ok(cng_.import_private_key(rsa_, private_key, private_key_)) ||
-      !ports::status_ok(cng_.block_length(private_key_, wrapped_size_))) {
-    return "it is no private key for logs";
-  }
-  return {};
+bool KeyOpener::use_algorithm(const std::wstring& name) {
+  return ports::status_ok(cng_.open_algorithm(name.c_str(), symmetric_));
+}
+
+bool KeyOpener::use_private_key(std::span<const std::uint8_t> blob) {
+  return ports::status_ok(cng_.open_algorithm(L"RSA", rsa_)) &&
+         ports::status_ok(cng_.import_private_key(rsa_, blob, private_key_)) &&
+         ports::status_ok(cng_.block_length(private_key_, wrapped_size_));
 }
 
 std::shared_ptr<const SessionKey> KeyOpener::open(std::span<const std::uint8_t> wrapped) const {

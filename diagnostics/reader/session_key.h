@@ -39,9 +39,10 @@ class KeyOpener {
   KeyOpener(const KeyOpener&) = delete;
   KeyOpener& operator=(const KeyOpener&) = delete;
 
-  /// Takes a BCRYPT_RSAPRIVATE_BLOB and the name of the records' algorithm. Gives the empty string or what is wrong
-  /// with them.
-  [[nodiscard]] std::string set_up(std::span<const std::uint8_t> private_key, const std::wstring& algorithm);
+  /// Takes the name of the records' algorithm; false where it is not known. Once.
+  [[nodiscard]] bool use_algorithm(const std::wstring& name);
+  /// Takes a BCRYPT_RSAPRIVATE_BLOB; false where it is none. Once.
+  [[nodiscard]] bool use_private_key(std::span<const std::uint8_t> blob);
 
   /// A wrapped key has exactly this many bytes.
   [[nodiscard]] std::uint32_t wrapped_size() const { return wrapped_size_; }

@@ -50,7 +50,8 @@ LogMaker::LogMaker(std::wstring algorithm, std::size_t key_size) : keys_(desk_.e
   cng().destroy_key(public_key);
   cng().close_algorithm(rsa);
   header_ = with_length(wrapped);
-  if (!keys_.set_up(private_key(), algorithm).empty()) throw std::runtime_error("the development key is refused");
+  if (!keys_.use_algorithm(algorithm) || !keys_.use_private_key(private_key()))
+    throw std::runtime_error("the development key is refused");
 }
 
 LogMaker::~LogMaker() {
