@@ -23,25 +23,18 @@ void put(std::span<std::uint8_t> into, std::uint32_t number) {
 }  // namespace
 
 const EVP_CIPHER* aes_of(std::size_t key_size) {
-  switch (key_size) {
-    case 16:
-      return EVP_aes_128_cbc();
-    case 24:
-      return EVP_aes_192_cbc();
-    case 32:
-      return EVP_aes_256_cbc();
-    default:
-      return nullptr;
-  }
+  if (key_size >= 32) return EVP_aes_256_cbc();
+  if (key_size == 24) return EVP_aes_192_cbc();
+  return key_size == 16 ? EVP_aes_128_cbc() : nullptr;
 }
 
 const EVP_CIPHER* triple_des_of(std::size_t key_size) {
-  return key_size == 24 ? EVP_des_ede3_cbc() : nullptr;
+  return key_size >= 24 ? EVP_des_ede3_cbc() : nullptr;
 }
 
 BlockKey::BlockKey(const EVP_CIPHER* cipher, std::span<const std::uint8_t> secret)
     : block_length_(static_cast<std::uint32_t>(EVP_CIPHER_get_block_size(cipher))),
-      secret_(secret.begin(), secret.end()),
+      secret_(secret.begin(), secret.begin() + EVP_CIPHER_get_key_length(cipher)),
       encrypting_(cipher, secret_, Way::encrypt),
       decrypting_(cipher, secret_, Way::decrypt),
       decrypting_bare_(cipher, secret_, Way::decrypt_bare) {}

@@ -27,6 +27,7 @@ class CngKeyObject {
 /// The key of a block cipher in CBC mode.
 class BlockKey final : public CngKeyObject {
  public:
+  /// `secret` has the cipher's key at its beginning.
   BlockKey(const EVP_CIPHER* cipher, std::span<const std::uint8_t> secret);
   ~BlockKey() override;
 
@@ -50,7 +51,7 @@ class BlockKey final : public CngKeyObject {
   CipherContexts decrypting_bare_;
 };
 
-/// The cipher of an algorithm with a key of so many bytes; null where it has none.
+/// The cipher of an algorithm with a key of so many bytes, or of its longest; null where it has none.
 [[nodiscard]] const EVP_CIPHER* aes_of(std::size_t key_size);
 [[nodiscard]] const EVP_CIPHER* triple_des_of(std::size_t key_size);
 

@@ -54,7 +54,8 @@ class Cng {
   /// BCryptGenRandom with the provider "RNG".
   [[nodiscard]] virtual Status random(CngAlgorithm rng, std::span<std::uint8_t> into) = 0;
 
-  /// BCryptGenerateSymmetricKey. Fails for a size that the algorithm has not.
+  /// BCryptGenerateSymmetricKey. Fails for a size that the algorithm has not; of more than its longest key it takes the
+  /// beginning.
   [[nodiscard]] virtual Status generate_key(CngAlgorithm algorithm, std::span<const std::uint8_t> secret,
                                             CngKey& out) = 0;
   /// BCryptImportKeyPair of a "PUBLICBLOB" (BCRYPT_RSAPUBLIC_BLOB) and of a "RSAPRIVATEBLOB" (BCRYPT_RSAPRIVATE_BLOB).
@@ -78,7 +79,8 @@ class Cng {
   [[nodiscard]] virtual Status encrypt(CngKey key, std::span<const std::uint8_t> plain, std::span<std::uint8_t> iv,
                                        std::span<std::uint8_t> into, std::uint32_t& size, std::uint32_t padding) = 0;
 
-  /// BCryptDecrypt, the inverse, also in place. `into` has the cipher's length; with an empty one it tells that size.
+  /// BCryptDecrypt, the inverse, also in place. `into` has the cipher's length; with an empty one it tells a size that is
+  /// enough.
   /// Fails where the padding is wrong or the length is no whole number of blocks. With cng_padding::none a symmetric
   /// key deciphers all blocks and leaves what may be padding in place. An RSA key that is not the right one fails or
   /// gives other bytes.
