@@ -25,7 +25,7 @@ class TellingFilter final : public ports::CrashFilter {
 };
 
 void write_to_null() {
-  int* volatile nowhere = nullptr;
+  volatile int* volatile nowhere = nullptr;
   *nowhere = 1;
 }
 

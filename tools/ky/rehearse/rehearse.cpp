@@ -32,6 +32,7 @@ std::unique_ptr<machine::Machine> load_machine(const RehearseOptions& options,
   machine::Options how;
   how.max_steps = options.max_steps;
   how.on_stop = std::move(on_stop);
+  how.log_folder = options.out;
   try {
     return machine::Machine::from_json(text, options.machine, std::move(how));
   } catch (const machine::DocumentError& error) {
@@ -63,7 +64,9 @@ int rehearse(const RehearseOptions& options, std::ostream& out, std::ostream& er
     report.finish(run.stopped(reason));
     std::_Exit(EXIT_FAILURE);
   };
-  return rehearsal::run_and_report(run, source, report, err);
+  const int code = rehearsal::run_and_report(run, source, report, err);
+  if (const std::string reason = world->desk_failure(); !reason.empty()) err << "ky: " << reason << '\n';
+  return world->desk_failure().empty() ? code : EXIT_FAILURE;
 }
 
 }  // namespace workbench
