@@ -1,18 +1,20 @@
 #pragma once
 
 #include <cstdint>
-#include <fstream>
 #include <span>
 #include <string>
 
 namespace desk {
 
 /// A file of the desk that grows by pieces, each of which has left the process when `append` returns: whoever ends the
-/// process then loses none of it. Not for two threads at once.
+/// process then loses none of it. Not for two threads at once. Defined in the build's own folder.
 class AppendedFile {
  public:
   /// Opens the file for `append`; what was there goes. `failure` tells whether that worked.
   explicit AppendedFile(std::string path);
+  ~AppendedFile();
+  AppendedFile(const AppendedFile&) = delete;
+  AppendedFile& operator=(const AppendedFile&) = delete;
 
   void append(std::span<const std::uint8_t> bytes);
   /// Cuts the file to its first `size` bytes.
@@ -24,10 +26,11 @@ class AppendedFile {
   [[nodiscard]] const std::string& failure() const { return failure_; }
 
  private:
-  void check(const char* what);
+  void failed(const char* what);
+  void close();
 
+  std::intptr_t handle_ = -1;
   std::string path_;
-  std::ofstream file_;
   std::string failure_;
 };
 
