@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <utility>
 
 #include "installer/utils/base/strings/utf8.h"
 
@@ -29,9 +30,10 @@ std::uint8_t* put_units(std::uint8_t* to, std::wstring_view units) {
   return to;
 }
 
-char* put_digits(char* to, std::uint32_t value, int digits) {
-  for (int i = digits - 1; i >= 0; --i, value /= 10) to[i] = static_cast<char>('0' + value % 10);
-  return to + digits;
+char* put_two_digits(char* to, std::uint32_t value) {
+  to[0] = static_cast<char>('0' + value / 10);
+  to[1] = static_cast<char>('0' + value % 10);
+  return to + 2;
 }
 
 /// Scrambles byte by byte and keeps the place in the key from one to the next.
@@ -43,6 +45,30 @@ class Scrambler {
     const std::uint8_t low = byte(static_cast<std::uint8_t>(plain & 0xFF));
     const std::uint8_t high = byte(static_cast<std::uint8_t>(plain >> 8 & 0xFF));
     return static_cast<wchar_t>(high << 8 | low);
+  }
+
+  static constexpr std::size_t block = 16;
+  /// The same for as many units, which become one byte each. False, with nothing done, where they are not as simple as
+  /// nearly all are: ASCII before and after, without a line feed, and the key does not end inside.
+  [[nodiscard]] bool ascii(const wchar_t* plain, char* to) {
+    if (at_ + block > key_.size()) return false;
+    std::array<std::uint8_t, block> key;
+    std::array<std::uint8_t, block> low;
+    std::copy_n(key_.begin() + static_cast<std::ptrdiff_t>(at_), block, key.begin());
+    std::uint32_t bits = 0;
+    for (std::size_t i = 0; i < block; ++i) bits |= static_cast<std::uint32_t>(plain[i]);
+    for (std::size_t i = 0; i < block; ++i) low[i] = static_cast<std::uint8_t>(plain[i]);
+    std::uint8_t odd = bits > 0x7F;
+    for (std::size_t i = 0; i < block; ++i) {
+      const auto mixed = static_cast<std::uint8_t>(low[i] ^ key[i]);
+      const std::uint8_t kept = mixed == 0x0A || mixed == 0x00 ? low[i] : mixed;
+      odd |= static_cast<std::uint8_t>(low[i] == 0 || kept == 0x0A || kept > 0x7F);
+      low[i] = kept;
+    }
+    if (odd != 0) return false;
+    std::memcpy(to, low.data(), block);
+    at_ = at_ + block == key_.size() ? 0 : at_ + block;
+    return true;
   }
 
  private:
@@ -57,6 +83,51 @@ class Scrambler {
 
   std::span<const std::uint8_t> key_;
   std::size_t at_ = 0;
+};
+
+/// Writes units as a text stream does: UTF-8 with U+FFFD for an unpaired surrogate, and a line feed as two characters.
+class TextWriter {
+ public:
+  explicit TextWriter(char* to) : to_(to) {}
+
+  void unit(wchar_t unit) {
+    if (high_ == 0 && unit < 0x80 && unit != L'\n') {
+      *to_++ = static_cast<char>(unit);
+      return;
+    }
+    if (high_ != 0 && unit >= 0xDC00 && unit <= 0xDFFF) {
+      const std::array<wchar_t, 2> pair{std::exchange(high_, L'\0'), unit};
+      put({pair.data(), pair.size()});
+      return;
+    }
+    end_pair();
+    if (unit >= 0xD800 && unit <= 0xDBFF) {
+      high_ = unit;
+    } else if (unit == L'\n') {
+      put(L"\r\n");
+    } else {
+      put({&unit, 1});
+    }
+  }
+
+  /// The first half of a pair came last.
+  [[nodiscard]] bool inside_pair() const { return high_ != 0; }
+  /// Where whoever writes by itself goes on, outside of pairs, and up to where it went.
+  [[nodiscard]] char* at() { return to_; }
+  void went_to(char* to) { to_ = to; }
+
+  /// A first half without its second is none.
+  void end_pair() {
+    if (high_ == 0) return;
+    const wchar_t alone = std::exchange(high_, L'\0');
+    put({&alone, 1});
+  }
+
+ private:
+  void put(std::wstring_view units) { to_ += base::strings::to_utf8(units, to_); }
+
+  char* to_;
+  wchar_t high_ = L'\0';  // waits for its partner
 };
 
 }  // namespace
@@ -76,10 +147,11 @@ TimeStamp time_stamp(const ports::LocalTime& time) {
   char* to = stamp.data();
   *to++ = '[';
   for (const std::uint16_t part : {time.hour, time.minute, time.second}) {
-    to = put_digits(to, part, 2);
+    to = put_two_digits(to, part);
     *to++ = ':';
   }
-  to = put_digits(to, time.millisecond, 3);
+  *to++ = static_cast<char>('0' + time.millisecond / 100);
+  to = put_two_digits(to, time.millisecond % 100);
   *to++ = ']';
   *to = ' ';
   return stamp;
@@ -98,25 +170,24 @@ std::span<const std::uint8_t> plain_line(const TimeStamp& stamp, std::wstring_vi
 
 std::span<const std::uint8_t> scrambled_line(const TimeStamp& stamp, std::wstring_view message,
                                              std::span<const std::uint8_t> key, Scratch<std::uint8_t>& into) {
-  Scrambler scrambler(key);
-  Scratch<wchar_t> scratch;
-  const std::span<wchar_t> units = scratch.take(message.size() * 2);
-  std::size_t count = 0;
-  for (const wchar_t plain : message.substr(0, message.size() - 1)) {
-    units[count] = scrambler.unit(plain);
-    // A text stream writes a line feed as two characters. None comes out of the built-in key, but hosts have their own.
-    if (units[count] == L'\n') {
-      units[count++] = L'\r';
-      units[count] = L'\n';
-    }
-    ++count;
-  }
-  const std::span<std::uint8_t> line = into.take(stamp.size() + count * 3 + log_format::line_end.size());
+  const std::wstring_view stored = message.substr(0, message.size() - 1);
+  // Three bytes a unit, and one more where a key of the host's leaves line feeds.
+  const std::span<std::uint8_t> line = into.take(stamp.size() + stored.size() * 4 + log_format::line_end.size());
   char* const begin = reinterpret_cast<char*>(line.data());
-  char* to = std::copy(stamp.begin(), stamp.end(), begin);
-  to += base::strings::to_utf8({units.data(), count}, to);
-  to = std::copy(log_format::line_end.begin(), log_format::line_end.end(), to);
-  return line.first(static_cast<std::size_t>(to - begin));
+  TextWriter text(std::copy(stamp.begin(), stamp.end(), begin));
+  Scrambler scrambler(key);
+  for (std::size_t at = 0; at < stored.size();) {
+    constexpr std::size_t block = Scrambler::block;
+    if (at + block <= stored.size() && !text.inside_pair() && scrambler.ascii(&stored[at], text.at())) {
+      text.went_to(text.at() + block);
+      at += block;
+    } else {
+      text.unit(scrambler.unit(stored[at++]));
+    }
+  }
+  text.end_pair();
+  char* const end = std::copy(log_format::line_end.begin(), log_format::line_end.end(), text.at());
+  return line.first(static_cast<std::size_t>(end - begin));
 }
 
 }  // namespace diagnostics

@@ -95,14 +95,14 @@ void CLoggerApi::WriteLine(const wchar_t* text) {
   const ports::System& system = ports::system();
   const std::uint32_t thread = system.threads.current_id();
   try {
-    const ports::LogStream stream = StreamOf(thread);
-    if (stream == ports::LogStream::null) return;
+    const Lane lane = LaneOf(thread);
+    if (lane.stream == ports::LogStream::null) return;
     const diagnostics::TimeStamp stamp = diagnostics::time_stamp(system.clock.local());
     Scratch<std::uint8_t> scratch;
-    const std::span<const std::uint8_t> record = EncodeRecord(stamp, text, thread, scratch);
+    const std::span<const std::uint8_t> record = EncodeRecord(stamp, text, *lane.iv, scratch);
     if (record.empty()) return;
-    system.log_streams.write(stream, record);
-    system.log_streams.flush(stream);
+    system.log_streams.write(lane.stream, record);
+    system.log_streams.flush(lane.stream);
   } catch (const std::bad_alloc&) {
     // The record is lost.
   }
@@ -110,10 +110,10 @@ void CLoggerApi::WriteLine(const wchar_t* text) {
 
 /// Length and body in one piece, so that threads which share a stream do not come between the two.
 std::span<const std::uint8_t> CLoggerApi::EncodeRecord(const diagnostics::TimeStamp& stamp, std::wstring_view message,
-                                                       std::uint32_t thread, Scratch<std::uint8_t>& into) {
+                                                       std::vector<std::uint8_t>& iv,
+                                                       Scratch<std::uint8_t>& into) const {
   if (!Sealed()) return diagnostics::scrambled_line(stamp, message, xor_key, into);
   try {
-    std::vector<std::uint8_t>& iv = IvOf(thread);
     // Each record starts from zero, so that a lost or damaged one costs only itself.
     std::fill(iv.begin(), iv.end(), std::uint8_t{0});
     Scratch<std::uint8_t> scratch;
@@ -130,16 +130,13 @@ std::span<const std::uint8_t> CLoggerApi::EncodeRecord(const diagnostics::TimeSt
   }
 }
 
-ports::LogStream CLoggerApi::StreamOf(std::uint32_t thread) {
+CLoggerApi::Lane CLoggerApi::LaneOf(std::uint32_t thread) {
   const ports::Lock lock(mutex);
   const LogStreamOwner& own = thread_files[thread];
-  return own.open() ? own.get() : thread_files[main_thread_id].get();
-}
-
-/// The vector is the thread's own; the map does not move it.
-std::vector<std::uint8_t>& CLoggerApi::IvOf(std::uint32_t thread) {
-  const ports::Lock lock(mutex);
-  return thread_ivs.try_emplace(thread, block_length).first->second;
+  const ports::LogStream stream = own.open() ? own.get() : thread_files[main_thread_id].get();
+  if (stream == ports::LogStream::null) return {};
+  // The map does not move it.
+  return {stream, &thread_ivs.try_emplace(thread, block_length).first->second};
 }
 
 std::wstring CLoggerApi::ThreadPath(std::uint32_t thread) const {

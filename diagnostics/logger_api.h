@@ -47,11 +47,15 @@ class CLoggerApi final : public Destroyable<CLoggerApi, ILoggerApi> {
   [[nodiscard]] std::wstring ThreadPath(std::uint32_t thread) const;
 
   void WriteHead(ports::LogStream stream) const;
-  [[nodiscard]] ports::LogStream StreamOf(std::uint32_t thread) KY_EXCLUDES(mutex);
-  [[nodiscard]] std::vector<std::uint8_t>& IvOf(std::uint32_t thread) KY_EXCLUDES(mutex);
+  /// Where a thread's records go, and its IV, which is the thread's own.
+  struct Lane {
+    ports::LogStream stream = ports::LogStream::null;
+    std::vector<std::uint8_t>* iv = nullptr;
+  };
+  [[nodiscard]] Lane LaneOf(std::uint32_t thread) KY_EXCLUDES(mutex);
   [[nodiscard]] std::span<const std::uint8_t> EncodeRecord(const diagnostics::TimeStamp& stamp,
-                                                           std::wstring_view message, std::uint32_t thread,
-                                                           diagnostics::Scratch<std::uint8_t>& into) KY_EXCLUDES(mutex);
+                                                           std::wstring_view message, std::vector<std::uint8_t>& iv,
+                                                           diagnostics::Scratch<std::uint8_t>& into) const;
   void Merge();
 
   std::map<std::uint32_t, diagnostics::LogStreamOwner> thread_files KY_GUARDED_BY(mutex);

@@ -122,6 +122,11 @@ TEST_F(Logger, AScrambledFileIsMarkedTextWithTheTimeInTheClear) {
       {L"\xEC00!\n",
        "\xEF\xBF\xBD"
        "e"},  // scrambled to an unpaired surrogate
+      {L"\x9C08\xEE70"
+       L"aaaaaaaaaaaaaaaaaaaa\n",
+       "\xF0\x9F\x99\x82"
+       "\" VP#R$YU\aXW PV$\"UUQ"},  // to a pair
+      {L"\x9C08\n", "\xEF\xBF\xBD"},
   };
   std::size_t at = first.size();
   for (const auto& row : rows) {

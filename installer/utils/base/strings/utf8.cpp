@@ -74,6 +74,16 @@ std::size_t ascii_end(std::string_view text, std::size_t at) {
   return at;
 }
 
+/// The same for units, to bytes at `to`, which are written in any case.
+bool narrowed_block(std::wstring_view wide, std::size_t at, char* to) {
+  constexpr std::size_t size = std::tuple_size_v<Block>;
+  if (at + size > wide.size()) return false;
+  std::uint32_t bits = 0;
+  for (std::size_t i = 0; i < size; ++i) bits |= static_cast<std::uint32_t>(wide[at + i]);
+  for (std::size_t i = 0; i < size; ++i) to[i] = static_cast<char>(wide[at + i]);
+  return bits < 0x80;
+}
+
 bool is_high_surrogate(wchar_t unit) {
   return unit >= 0xD800 && unit <= 0xDBFF;
 }
@@ -151,6 +161,9 @@ std::string to_utf8(std::wstring_view wide) {
 std::size_t to_utf8(std::wstring_view wide, char* out) {
   char* to = out;
   for (std::size_t at = 0; at < wide.size(); ++at) {
+    // A unit takes up to three bytes, so that there is room for a block that is then written otherwise.
+    for (; narrowed_block(wide, at, to); at += std::tuple_size_v<Block>) to += std::tuple_size_v<Block>;
+    if (at == wide.size()) break;
     const wchar_t unit = wide[at];
     if (is_high_surrogate(unit) && at + 1 < wide.size() && is_low_surrogate(wide[at + 1])) {
       const auto high = static_cast<char32_t>(unit) - 0xD800;
