@@ -31,7 +31,7 @@ std::string with_length(std::vector<std::uint8_t> bytes) {
 
 LogMaker::LogMaker(std::wstring algorithm, std::size_t key_size) : keys_(desk_.engines().cng()) {
   require(cng().open_algorithm(algorithm.c_str(), algorithm_));
-  const std::vector<std::uint8_t> secret(key_size, 0x5A);
+  const std::vector<std::uint8_t> secret(key_size, key_byte);
   require(cng().generate_key(algorithm_, secret, key_));
   require(cng().block_length(key_, block_));
   std::uint32_t size = 0;

@@ -14,6 +14,9 @@ namespace support {
 /// Makes sealed logs of any content, for the development key pair.
 class LogMaker {
  public:
+  /// The session key is this byte all over.
+  static constexpr std::uint8_t key_byte = 0x5A;
+
   explicit LogMaker(std::wstring algorithm = L"AES", std::size_t key_size = 32);
   ~LogMaker();
   LogMaker(const LogMaker&) = delete;
