@@ -34,7 +34,8 @@ State bare_state() {
 Machine::Machine(Options options) : Machine(bare_state(), std::move(options)) {}
 
 Machine::Machine(State state, Options options)
-    : ids_(state.next_id),
+    : copies_(world_, std::move(options.log_folder)),
+      ids_(state.next_id),
       termination_(options.max_steps, std::move(options.on_stop)),
       scheduler_({options.pace,
                   [this](const std::wstring& what) {
@@ -44,7 +45,6 @@ Machine::Machine(State state, Options options)
       clock_(scheduler_, state.clock),
       threads_(scheduler_, handles_, ids_, errors_),
       waits_(scheduler_, handles_, names_, errors_),
-      copies_(world_, std::move(options.log_folder)),
       files_(world_, handles_, errors_, copies_),
       log_streams_(world_, files_, handles_, copies_),
       crashes_(files_),

@@ -107,6 +107,7 @@ class Machine {
 
  private:
   World world_;
+  DeskCopies copies_;  // open files use it when they go
   Errors errors_;
   HandleTable handles_;
   NamedObjects names_;
@@ -116,7 +117,6 @@ class Machine {
   Clock clock_;
   Threads threads_;
   Waits waits_;
-  DeskCopies copies_;
   Files files_;
   LogStreams log_streams_;
   Crashes crashes_;
