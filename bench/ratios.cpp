@@ -31,6 +31,11 @@ constexpr Target targets[] = {
     {"script to loaded commands, times its floor", "load_script", "load_script_floor", 2.5},
     {"script to loaded commands, microseconds", "load_script", nullptr, 2000},
     {"expansion of ten variables, times a single pass", "expand_ten", "expand_ten_floor", 3},
+    {"sealed and flushed records, times encryption and a write", "log_sealed", "log_sealed_floor", 1 / 0.7},
+    {"the same, times a log in the clear", "log_sealed", "log_in_the_clear", 1 / 0.33},
+    {"scrambled and flushed records, times the same", "log_scrambled", "log_in_the_clear", 1 / 0.7},
+    {"two threads' sealed records, times one's", "log_sealed_by_two", "log_sealed", 2 / 1.6},
+    {"a sealed log read in file order, times deciphering", "log_read_in_order", "log_read_floor", 2},
     {"the edition's whole rehearsal, microseconds", "rehearse_edition", nullptr, 100'000},
 };
 
