@@ -8,7 +8,7 @@ namespace diagnostics::reader {
 namespace {
 
 // Each segment is read by a cursor of its own, and memory is bounded.
-constexpr std::size_t max_segments = 2000;
+constexpr std::size_t max_segments = 1000;
 
 /// A log's current record among those of the others.
 struct Candidate {

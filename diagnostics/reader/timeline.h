@@ -58,7 +58,8 @@ struct Segment {
   std::uint32_t thread = 0;  // 0: not known, its first record is lost
 };
 
-/// Reads the part `extent` of a file to its end and tells the threads in it. What follows the 2,000th is one segment.
+/// Reads the part `extent` of a file to its end and tells the threads in it. What follows the 1,000th belongs to its
+/// segment.
 [[nodiscard]] std::vector<Segment> find_segments(ThreadLog& log, const Extent& extent);
 
 }  // namespace diagnostics::reader
