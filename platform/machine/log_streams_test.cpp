@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <thread>
+#include <vector>
 
 #include "platform/desk/desk.h"
 #include "platform/machine/machine.h"
@@ -65,6 +67,27 @@ TEST_F(LogStreamsTest, WhatIsFlushedIsOnTheDeskAtOnceAndGoesWithItsFile) {
   EXPECT_TRUE(world->files().remove(L"C:\\ProgramData\\s.1.4.bin"));
   EXPECT_FALSE(desk::exists(folder_ / "s.1.4.bin"));
   EXPECT_EQ(world->desk_failure(), "");
+}
+
+TEST_F(LogStreamsTest, TheDeskGetsWhatManyThreadsWriteInTheMachinesOrder) {
+  const auto world = support::NamedWorld().make(through_to(folder_.path()));
+  const LogStream streams[] = {open(*world, L"C:\\ProgramData\\a.bin"), open(*world, L"C:\\ProgramData\\a.bin"),
+                               open(*world, L"C:\\ProgramData\\b.bin")};
+  std::vector<std::thread> threads;
+  for (char letter = 'a'; letter < 'g'; ++letter) {
+    threads.emplace_back([&world, &streams, letter] {
+      for (int i = 0; i < 100; ++i) record(*world, streams[letter % 3], {&letter, 1});
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  const State state = world->state();
+  for (const char* name : {"a.bin", "b.bin"}) {
+    const std::wstring path = std::wstring(L"C:\\ProgramData\\") + static_cast<wchar_t>(name[0]) + L".bin";
+    const Found found = look_up(state.files, parse_path(path, L"C:\\").path, LastLink::itself);
+    const std::vector<std::uint8_t>& bytes = state.files.nodes.at(found.node).bytes;
+    EXPECT_EQ(on_desk(name), std::string(bytes.begin(), bytes.end()));
+    EXPECT_EQ(bytes.size(), name[0] == 'a' ? 400U : 200U);
+  }
 }
 
 TEST_F(LogStreamsTest, NothingOnTheDeskStopsALog) {

@@ -1,5 +1,7 @@
 #include "platform/ports/log_streams.h"
 
+#include <thread>
+
 #include "tests/contract/world.h"
 
 namespace contract {
@@ -73,6 +75,24 @@ TEST_P(LogStreams, AnOpenLogCannotBeDeletedButAClosedOneCan) {
   EXPECT_EQ(code_of(system().files.remove(path.c_str())), ports::code::sharing_violation);
   streams().close(stream);
   EXPECT_TRUE(system().files.remove(path.c_str()));
+}
+
+TEST_P(LogStreams, ThreadsMayShareAStream) {
+  const LogStream stream = open(L"a.bin", LogMode::append);
+  std::vector<std::thread> threads;
+  for (char letter = 'a'; letter < 'e'; ++letter) {
+    threads.emplace_back([this, stream, letter] {
+      for (int i = 0; i < 200; ++i) {
+        write(stream, std::string(5, letter));
+        EXPECT_TRUE(streams().flush(stream));
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  streams().close(stream);
+  const std::string text = content(L"a.bin");
+  ASSERT_EQ(text.size(), 4000U);
+  for (std::size_t at = 0; at < text.size(); at += 5) ASSERT_EQ(text.substr(at, 5), std::string(5, text[at])) << at;
 }
 
 KY_CONTRACT(LogStreams);
