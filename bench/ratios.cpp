@@ -36,8 +36,11 @@ constexpr Target targets[] = {
     {"the check of the edition's script, microseconds", "check_edition", nullptr, 50'000},
     {"the check of 10,000 commands, microseconds", "check_long", nullptr, 200'000},
     {"one value out of XML, times parser and query alone", "read_xml_value", "read_xml_value_floor", 2.5},
-    {"the check of the edition's script, microseconds", "check_edition", nullptr, 50'000},
-    {"the check of 10,000 commands, microseconds", "check_long", nullptr, 200'000},
+    {"sealed and flushed records, times encryption and a write", "log_sealed", "log_sealed_floor", 1 / 0.7},
+    {"the same, times a log in the clear", "log_sealed", "log_in_the_clear", 1 / 0.33},
+    {"scrambled and flushed records, times the same", "log_scrambled", "log_in_the_clear", 1 / 0.7},
+    {"two threads' sealed records, times one's", "log_sealed_by_two", "log_sealed", 2 / 1.6},
+    {"a sealed log read in file order, times deciphering", "log_read_in_order", "log_read_floor", 2},
     {"the edition's whole rehearsal, microseconds", "rehearse_edition", nullptr, 100'000},
 };
 

@@ -25,7 +25,8 @@ function(ky_test_program name)
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}" "${PROJECT_SOURCE_DIR}/include")
   target_link_libraries(${name} PRIVATE ${arg_LINKS} ky_googletest)
   # For files that tests compare with.
-  target_compile_definitions(${name} PRIVATE "KY_SOURCE_FOLDER=\"${PROJECT_SOURCE_DIR}\"")
+  target_compile_definitions(${name} PRIVATE "KY_SOURCE_FOLDER=\"${PROJECT_SOURCE_DIR}\""
+    "KY_LOG_PUBLIC_KEY=\"${KY_LOG_PUBLIC_KEY}\"")
   include(GoogleTest)
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120 PROPERTIES TIMEOUT 180)
 endfunction()

@@ -14,9 +14,11 @@ namespace host {
 namespace {
 
 ports::System with_cipher(const ports::System& system, ports::ScriptCipher& cipher) {
-  return {system.errors,    system.clock,   system.threads,   system.waits,       system.files,       system.registry,
-          system.processes, system.modules, system.resources, system.environment, system.termination, system.text,
-          system.winapi,    cipher,         system.key_maker, system.xml,         system.own_module};
+  return {system.errors,      system.clock,       system.threads,     system.waits,
+          system.files,       system.registry,    system.processes,   system.modules,
+          system.resources,   system.environment, system.termination, system.text,
+          system.log_streams, system.crashes,     system.winapi,      cipher,
+          system.key_maker,   system.xml,         system.cng,         system.own_module};
 }
 
 }  // namespace

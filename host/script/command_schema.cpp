@@ -4,6 +4,7 @@
 #include <charconv>
 
 #include "host/script/schema/data.h"
+#include "host/script/schema/diagnostics.h"
 #include "host/script/schema/files.h"
 #include "host/script/schema/flow.h"
 #include "host/script/schema/host_deletions.h"
@@ -16,6 +17,8 @@ namespace host {
 namespace {
 
 constexpr CommandSchema commands[] = {
+    schema::clear_old_logs,
+    schema::crash_handler,
     schema::delete_file,
     schema::delete_folder,
     schema::delete_reg_key,
@@ -25,6 +28,7 @@ constexpr CommandSchema commands[] = {
     schema::get_string_from_xml,
     schema::jump,
     schema::load_files_from_resources,
+    schema::logger,
     schema::nop,
     schema::path_exists,
     schema::run_command,

@@ -13,12 +13,15 @@
 /// The exported factories: FACTORY(export's stem, class). A script's element `Stem` is made by `GetC<Stem>Command`.
 /// Two stems differ from their class's name on purpose: hosts look for them.
 #define KY_FACTORIES(FACTORY) \
+  FACTORY(ClearOldLogs, CClearOldLogsCommand) \
+  FACTORY(CrashHandler, CCrashHandlerCommand) \
   FACTORY(DeleteFile, CDeleteFileCommand) \
   FACTORY(Evaluate, CEvaluateCommand) \
   FACTORY(GetDateTime, CGetDateTimeCommand) \
   FACTORY(GetStringFromXml, CGetStringFromXmlCommand) \
   FACTORY(Jump, CJumpCommand) \
   FACTORY(LoadFilesFromResources, CLoadFilesFromResourcesCommand) \
+  FACTORY(Logger, CLoggerCommand) \
   FACTORY(Nop, CNopCommand) \
   FACTORY(PathExists, CPathExistsCommand)
 // clang-format on

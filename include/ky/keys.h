@@ -10,6 +10,7 @@
 namespace ky {
 
 class Decrypter;
+class IErrorApi;
 class ILoggerApi;
 
 /// The host's two exports: the store of named 64-bit values. A key that was never put reads as 0; `Put` of 0 empties it
@@ -62,7 +63,7 @@ enum class ModuleHandle : std::uintptr_t { null = 0 };
   KEY(String_IfeoExecutables, CString*, "host or script", "executables whose debugger keys are removed") \
   KEY(SelfFree_Decrypter, Decrypter*, "host", "deciphers the script's values") \
   KEY(SelfFree_LoggerApi, ILoggerApi*, "Logger", "the run's log") \
-  KEY(SelfFree_ErrorApi, CSelfFree*, "Logger", "the run's error text") \
+  KEY(SelfFree_ErrorApi, IErrorApi*, "Logger", "the run's error text") \
   KEY(SelfFree_ResourceManager, CSelfFree*, "KyConfigureResourceManager", "localised strings and modules") \
   KEY(SelfFree_UIThread, CSelfFree*, "ChangeWindowStep", "the wizard's thread") \
   KEY(SelfFree_SciterRefresher, CSelfFree*, "window manager", "tells observers of changed keys") \

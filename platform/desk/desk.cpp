@@ -1,10 +1,13 @@
 #include "platform/desk/desk.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <random>
 #include <system_error>
+
+#include "platform/desk/failure.h"
 
 namespace desk {
 
@@ -34,10 +37,6 @@ std::string reason_of(const std::error_code& error) {
 /// The stream classes leave the reason in `errno` alone.
 std::error_code stream_error() {
   return errno != 0 ? std::error_code(errno, std::generic_category()) : std::make_error_code(std::errc::io_error);
-}
-
-std::string failure(const std::string& path, std::string_view what, const std::error_code& error) {
-  return path + ": " + std::string(what) + ": " + reason_of(error);
 }
 
 std::string write_in_place(const fs::path& path, const std::string& name, std::string_view bytes) {
@@ -72,6 +71,10 @@ fs::path temporary_beside(const fs::path& path) {
 }
 
 }  // namespace
+
+std::string failure(const std::string& path, std::string_view what, const std::error_code& error) {
+  return path + ": " + std::string(what) + ": " + reason_of(error);
+}
 
 std::string read_file(const std::string& path, std::uintmax_t limit, std::string& bytes) {
   std::error_code error;
@@ -131,6 +134,28 @@ bool exists(const std::string& path) {
 
 std::string join(const std::string& folder, const std::string& name) {
   return to_text(to_path(folder) / to_path(name));
+}
+
+bool is_folder(const std::string& path) {
+  std::error_code error;
+  return fs::is_directory(to_path(path), error);
+}
+
+Place place_of(const std::string& path) {
+  const fs::path whole = to_path(path);
+  return {to_text(whole.parent_path()), to_text(whole.filename())};
+}
+
+std::string list_files(const std::string& folder, std::vector<std::string>& names) {
+  names.clear();
+  std::error_code error;
+  fs::directory_iterator entry(folder.empty() ? fs::path(".") : to_path(folder), error);
+  for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+    std::error_code ignored;
+    if (entry->is_regular_file(ignored)) names.push_back(to_text(entry->path().filename()));
+  }
+  std::sort(names.begin(), names.end());
+  return error ? failure(folder, "cannot be listed", error) : std::string();
 }
 
 }  // namespace desk

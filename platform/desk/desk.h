@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace desk {
 
@@ -32,5 +33,18 @@ enum class Access : std::uint8_t { everybody, owner_only };
 
 /// `folder` and `name`, joined as the system at hand does.
 [[nodiscard]] std::string join(const std::string& folder, const std::string& name);
+
+/// True for a folder, also behind a link.
+[[nodiscard]] bool is_folder(const std::string& path);
+
+/// A path's folder, which may be empty, and its name in it.
+struct Place {
+  std::string folder;
+  std::string name;
+};
+[[nodiscard]] Place place_of(const std::string& path);
+
+/// The names of the plain files in a folder, sorted. The empty folder is the current one.
+[[nodiscard]] std::string list_files(const std::string& folder, std::vector<std::string>& names);
 
 }  // namespace desk

@@ -2,8 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <fstream>
 #include <string>
+#include <vector>
 
+#include "platform/desk/input_file.h"
 #include "tests/support/temporary_folder.h"
 
 namespace {
@@ -47,6 +51,44 @@ TEST_F(Desk, FoldersAreMadeWithThoseAboveThemAndFilesRemovedWhereTheyAre) {
   EXPECT_EQ(desk::remove(file), "");
   EXPECT_EQ(desk::remove(file), "");
   EXPECT_FALSE(desk::exists(file));
+}
+
+TEST_F(Desk, AFileIsReadInPiecesWhileOthersWriteAndRemoveIt) {
+  const std::string name = folder_ / "pieces";
+  ASSERT_EQ(desk::write_file(name, "0123456789"), "");
+  desk::InputFile file;
+  ASSERT_EQ(file.open(name), "");
+  std::ofstream(name, std::ios::app) << "abc";
+  std::uint64_t length = 0;
+  EXPECT_EQ(file.length(length), "");
+  EXPECT_EQ(length, 13U);
+  EXPECT_EQ(desk::remove(name), "");
+  EXPECT_FALSE(desk::exists(name));
+  std::array<std::uint8_t, 8> bytes{};
+  std::size_t size = 0;
+  EXPECT_EQ(file.read(8, bytes, size), "");
+  EXPECT_EQ(std::string(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size)), "89abc");
+  EXPECT_EQ(file.read(2, std::span(bytes).first(3), size), "");
+  EXPECT_EQ(std::string(bytes.begin(), bytes.begin() + 3), "234");
+  EXPECT_EQ(file.read(99, bytes, size), "");
+  EXPECT_EQ(size, 0U);
+
+  desk::InputFile none;
+  EXPECT_EQ(none.open(name), name + ": cannot be read: it does not exist");
+  desk::InputFile folder;
+  EXPECT_EQ(folder.open(folder_.path()), folder_.path() + ": cannot be read: it is a folder");
+}
+
+TEST_F(Desk, AFolderTellsItsFilesByName) {
+  for (const char* name : {"b", "a"}) ASSERT_EQ(desk::write_file(folder_ / name, ""), "");
+  ASSERT_EQ(desk::make_folders(folder_ / "c"), "");
+  std::vector<std::string> names;
+  EXPECT_EQ(desk::list_files(folder_.path(), names), "");
+  EXPECT_EQ(names, (std::vector<std::string>{"a", "b"}));
+  EXPECT_TRUE(desk::is_folder(folder_.path()));
+  EXPECT_EQ(desk::list_files(folder_ / "d", names), folder_ / "d" + ": cannot be listed: it does not exist");
+  EXPECT_EQ(desk::place_of(folder_ / "a").folder, folder_.path());
+  EXPECT_EQ(desk::place_of("a").folder, "");
 }
 
 }  // namespace

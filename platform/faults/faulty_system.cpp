@@ -1,5 +1,6 @@
 #include "platform/faults/faulty_system.h"
 
+#include "platform/faults/faulty_diagnostics.h"
 #include "platform/faults/faulty_engines.h"
 #include "platform/faults/faulty_files.h"
 #include "platform/faults/faulty_registry.h"
@@ -18,13 +19,17 @@ struct FaultySystem::Ports {
         resources(inner.resources, gate, inner.errors),
         environment(inner.environment, gate, inner.errors),
         text(inner.text, gate, inner.errors),
+        log_streams(inner.log_streams, gate, inner.errors),
+        crashes(inner.crashes, gate, inner.errors),
         winapi(inner.winapi, gate, inner.errors),
         cipher(inner.cipher, gate, inner.errors),
         key_maker(inner.key_maker, gate, inner.errors),
         xml(inner.xml, gate, inner.errors),
-        system{inner.errors,    inner.clock, threads,           waits, files,  registry, processes, modules,
-               resources,       environment, inner.termination, text,  winapi, cipher,   key_maker, xml,
-               inner.own_module} {}
+        cng(inner.cng, gate, inner.errors),
+        system{
+            inner.errors, inner.clock,       threads, waits,       files,   registry, processes, modules,   resources,
+            environment,  inner.termination, text,    log_streams, crashes, winapi,   cipher,    key_maker, xml,
+            cng,          inner.own_module} {}
 
   Gate gate;
   FaultyThreads threads;
@@ -36,10 +41,13 @@ struct FaultySystem::Ports {
   FaultyResources resources;
   FaultyEnvironment environment;
   FaultyCodePages text;
+  FaultyLogStreams log_streams;
+  FaultyCrashes crashes;
   FaultyWinapi winapi;
   FaultyCipher cipher;
   FaultyKeyMaker key_maker;
   FaultyXml xml;
+  FaultyCng cng;
   ports::System system;
 };
 

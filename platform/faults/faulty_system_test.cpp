@@ -10,8 +10,10 @@
 #include "ky/decrypter.h"
 #include "platform/machine/machine.h"
 #include "platform/ports/build.h"
+#include "platform/ports/cng.h"
 #include "platform/ports/environment.h"
 #include "platform/ports/files.h"
+#include "platform/ports/log_streams.h"
 #include "platform/ports/registry.h"
 #include "platform/ports/text.h"
 #include "platform/ports/threads.h"
@@ -73,6 +75,14 @@ TEST_F(FaultySystemTest, EachWayOfAnsweringTellsTheFault) {
                 contract(Operation::registry_open).codes.front();
        },
        false},
+      {Operation::cng_open_algorithm,
+       [&] {
+         ports::CngAlgorithm out{};
+         return system.cng.open_algorithm(L"AES", out) == ports::status::not_found;
+       },
+       false},
+      {Operation::log_streams_open,
+       [&] { return system.log_streams.open(L"C:\\a.bin", ports::LogMode::append) == ports::LogStream::null; }, true},
       {Operation::xml_parse,
        [&] { return !ports::succeeded(system.xml.parse("<a/>", document, reason)) && document == nullptr; }, false},
   };

@@ -1,5 +1,7 @@
 #include "platform/faults/operations.h"
 
+#include "platform/ports/cng.h"
+
 namespace faults {
 
 namespace {
@@ -10,6 +12,17 @@ constexpr ports::ErrorCode result_nothing = static_cast<ports::ErrorCode>(nothin
 constexpr ports::ErrorCode result_fail = static_cast<ports::ErrorCode>(fail);
 constexpr ports::ErrorCode result_no_memory = static_cast<ports::ErrorCode>(no_memory);
 constexpr ports::ErrorCode result_class_not_registered = static_cast<ports::ErrorCode>(class_not_registered);
+
+constexpr ports::ErrorCode status_unsuccessful = static_cast<ports::ErrorCode>(ports::status::unsuccessful);
+constexpr ports::ErrorCode status_invalid_handle = static_cast<ports::ErrorCode>(ports::status::invalid_handle);
+constexpr ports::ErrorCode status_invalid_parameter = static_cast<ports::ErrorCode>(ports::status::invalid_parameter);
+constexpr ports::ErrorCode status_no_memory = static_cast<ports::ErrorCode>(ports::status::no_memory);
+constexpr ports::ErrorCode status_buffer_too_small = static_cast<ports::ErrorCode>(ports::status::buffer_too_small);
+constexpr ports::ErrorCode status_data_error = static_cast<ports::ErrorCode>(ports::status::data_error);
+constexpr ports::ErrorCode status_not_supported = static_cast<ports::ErrorCode>(ports::status::not_supported);
+constexpr ports::ErrorCode status_invalid_buffer_size =
+    static_cast<ports::ErrorCode>(ports::status::invalid_buffer_size);
+constexpr ports::ErrorCode status_not_found = static_cast<ports::ErrorCode>(ports::status::not_found);
 
 #define KY_FAULT_CODES(identifier, name, ...) constexpr ports::ErrorCode codes_of_##identifier[] = {__VA_ARGS__};
 KY_FAULT_OPERATIONS(KY_FAULT_CODES)

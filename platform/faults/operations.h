@@ -9,7 +9,7 @@
 
 // clang-format off
 /// Every port operation that can fail: OPERATION(name here, name for people, the codes of its contract...). COM results
-/// stand among the codes as they are, in 32 bits.
+/// and statuses stand among the codes as they are, in 32 bits.
 #define KY_FAULT_OPERATIONS(OPERATION) \
   OPERATION(files_open, "files.open", access_denied, file_not_found, path_not_found, sharing_violation, file_exists, \
             invalid_name) \
@@ -97,7 +97,22 @@
   OPERATION(xml_attributes, "xml.attributes", result_fail, result_no_memory) \
   OPERATION(xml_length, "xml.length", result_fail) \
   OPERATION(xml_item, "xml.item", result_fail, result_no_memory) \
-  OPERATION(xml_named_item, "xml.named_item", result_fail, result_nothing)
+  OPERATION(xml_named_item, "xml.named_item", result_fail, result_nothing) \
+  OPERATION(cng_open_algorithm, "cng.open_algorithm", status_not_found, status_no_memory) \
+  OPERATION(cng_random, "cng.random", status_unsuccessful, status_invalid_handle) \
+  OPERATION(cng_generate_key, "cng.generate_key", status_invalid_parameter, status_no_memory, status_invalid_handle) \
+  OPERATION(cng_import_public_key, "cng.import_public_key", status_invalid_parameter, status_no_memory) \
+  OPERATION(cng_import_private_key, "cng.import_private_key", status_invalid_parameter, status_no_memory) \
+  OPERATION(cng_block_length, "cng.block_length", status_invalid_handle, status_not_supported) \
+  OPERATION(cng_export_key, "cng.export_key", status_not_supported, status_buffer_too_small) \
+  OPERATION(cng_encrypt, "cng.encrypt", status_invalid_parameter, status_no_memory, status_buffer_too_small) \
+  OPERATION(cng_decrypt, "cng.decrypt", status_data_error, status_invalid_buffer_size, status_no_memory) \
+  OPERATION(log_streams_open, "log_streams.open", access_denied, sharing_violation, path_not_found) \
+  OPERATION(log_streams_write, "log_streams.write", disk_full, access_denied) \
+  OPERATION(log_streams_flush, "log_streams.flush", disk_full, write_fault) \
+  OPERATION(log_streams_read, "log_streams.read", read_fault) \
+  OPERATION(log_streams_skip, "log_streams.skip", invalid_handle) \
+  OPERATION(crashes_write_dump, "crashes.write_dump", disk_full, invalid_handle)
 // clang-format on
 
 namespace faults {

@@ -13,6 +13,7 @@ std::wstring Environment::folder(ports::KnownFolder which) {
     case ports::KnownFolder::program_files:
       return facts.program_files;
     case ports::KnownFolder::common_app_data:
+    case ports::KnownFolder::all_users_profile:  // one folder since Windows Vista
       return facts.common_app_data;
   }
   return {};

@@ -23,8 +23,11 @@ Volume& add_volume(FileTree& tree, std::wstring_view drive, std::uint32_t serial
 namespace {
 
 [[nodiscard]] NodeId root_of(const FileTree& tree, NodeId node) {
-  while (!tree.nodes.at(node).places.empty()) node = tree.nodes.at(node).places.front().folder;
-  return node;
+  for (;;) {
+    const std::vector<FilePlace>& places = tree.nodes.at(node).places;
+    if (places.empty()) return node;
+    node = places.front().folder;
+  }
 }
 
 template <class Volumes>

@@ -4,6 +4,7 @@
 #include <memory>
 #include <utility>
 
+#include "platform/machine/desk_copies.h"
 #include "platform/machine/file_lookup.h"
 #include "platform/machine/file_rules.h"
 #include "platform/machine/handles.h"
@@ -54,6 +55,7 @@ Handle Files::open(const wchar_t* path, std::uint32_t access, std::uint32_t shar
                    std::uint32_t flags) {
   std::shared_ptr<OpenFile> file;
   bool was_there = false;
+  bool emptied = false;
   {
     const ports::Lock lock(world_.mutex);
     FileTree& tree = world_.state.files;
@@ -67,10 +69,12 @@ Handle Files::open(const wchar_t* path, std::uint32_t access, std::uint32_t shar
     was_there = decision.act != OpenAct::create;
     const NodeId node = was_there ? place.node : make_file(tree, place.place, flags);
     if (decision.act == OpenAct::empty && !resize(tree, node, 0)) return failed(code::disk_full, Handle::invalid);
+    emptied = decision.act == OpenAct::empty;
     const std::uint32_t rights = mapped_access(access);
-    file = std::make_shared<OpenFile>(world_, node, place.place, rights, ++world_.last_owner);
+    file = std::make_shared<OpenFile>(world_, copies_, node, place.place, rights, ++world_.last_owner);
     tree.nodes.at(node).holds.push_back({rights, share, file->owner});
   }
+  if (emptied) copies_.settle();
   const bool may_make =
       disposition == ports::Disposition::open_always || disposition == ports::Disposition::create_always;
   const Handle handle = handles_.open(std::move(file));

@@ -9,6 +9,7 @@ class Errors;
 
 namespace machine {
 
+class DeskCopies;
 class HandleTable;
 class OpenFile;
 struct Found;
@@ -18,8 +19,8 @@ enum class LastLink;
 /// The machine's files.
 class Files final : public ports::Files {
  public:
-  Files(World& world, HandleTable& handles, ports::Errors& errors)
-      : world_(world), handles_(handles), errors_(errors) {}
+  Files(World& world, HandleTable& handles, ports::Errors& errors, DeskCopies& copies)
+      : world_(world), handles_(handles), errors_(errors), copies_(copies) {}
 
   [[nodiscard]] ports::Handle open(const wchar_t* path, std::uint32_t access, std::uint32_t share,
                                    ports::Disposition disposition, std::uint32_t flags) override;
@@ -58,6 +59,7 @@ class Files final : public ports::Files {
   [[nodiscard]] Found found(const wchar_t* path, LastLink last) KY_REQUIRES(world_.mutex);
   [[nodiscard]] ports::ErrorCode parsed(const wchar_t* path, Path& out) KY_REQUIRES(world_.mutex);
   [[nodiscard]] bool remove_as(const wchar_t* path, bool folder);
+  [[nodiscard]] bool move_or_book(const wchar_t* from, const wchar_t* to, std::uint32_t flags);
   [[nodiscard]] ports::ErrorCode move_now(const Path& from, const Path& to, std::uint32_t flags)
       KY_REQUIRES(world_.mutex);
   [[nodiscard]] ports::ErrorCode book_move(const Path& from, const wchar_t* to, std::uint32_t flags)
@@ -66,6 +68,7 @@ class Files final : public ports::Files {
   World& world_;
   HandleTable& handles_;
   ports::Errors& errors_;
+  DeskCopies& copies_;
 };
 
 }  // namespace machine

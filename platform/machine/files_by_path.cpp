@@ -2,6 +2,7 @@
 #include <string>
 #include <utility>
 
+#include "platform/machine/desk_copies.h"
 #include "platform/machine/file_lookup.h"
 #include "platform/machine/file_rules.h"
 #include "platform/machine/files.h"
@@ -50,7 +51,9 @@ bool Files::remove_as(const wchar_t* path, bool folder) {
 }
 
 bool Files::remove(const wchar_t* path) {
-  return remove_as(path, false);
+  const bool removed = remove_as(path, false);
+  if (removed) copies_.settle();
+  return removed;
 }
 
 bool Files::remove_folder(const wchar_t* path) {
@@ -136,7 +139,7 @@ ErrorCode Files::book_move(const Path& from, const wchar_t* to, std::uint32_t fl
   return code::success;
 }
 
-bool Files::move(const wchar_t* from, const wchar_t* to, std::uint32_t flags) {
+bool Files::move_or_book(const wchar_t* from, const wchar_t* to, std::uint32_t flags) {
   const ports::Lock lock(world_.mutex);
   const bool later = (flags & ports::move_flag::delay_until_reboot) != 0;
   if (to == nullptr && !later) return fail(code::invalid_parameter);
@@ -146,6 +149,12 @@ bool Files::move(const wchar_t* from, const wchar_t* to, std::uint32_t flags) {
   Path target;
   if (!done(parsed(to, target))) return false;
   return done(move_now(source, target, flags));
+}
+
+bool Files::move(const wchar_t* from, const wchar_t* to, std::uint32_t flags) {
+  const bool moved = move_or_book(from, to, flags);
+  if (moved) copies_.settle();
+  return moved;
 }
 
 }  // namespace machine

@@ -34,7 +34,8 @@ State bare_state() {
 Machine::Machine(Options options) : Machine(bare_state(), std::move(options)) {}
 
 Machine::Machine(State state, Options options)
-    : ids_(state.next_id),
+    : copies_(world_, std::move(options.log_folder)),
+      ids_(state.next_id),
       termination_(options.max_steps, std::move(options.on_stop)),
       scheduler_({options.pace,
                   [this](const std::wstring& what) {
@@ -44,7 +45,9 @@ Machine::Machine(State state, Options options)
       clock_(scheduler_, state.clock),
       threads_(scheduler_, handles_, ids_, errors_),
       waits_(scheduler_, handles_, names_, errors_),
-      files_(world_, handles_, errors_),
+      files_(world_, handles_, errors_, copies_),
+      log_streams_(world_, files_, handles_, copies_),
+      crashes_(files_),
       registry_(world_),
       processes_(world_, handles_, scheduler_, ids_, errors_),
       modules_(world_, errors_),
@@ -56,6 +59,7 @@ Machine::Machine(State state, Options options)
     const ports::Lock lock(world_.mutex);
     world_.state = std::move(state);
   }
+  termination_.show_faults_to(crashes_);
   entered_.emplace(scheduler_, ids_.take());
 }
 
@@ -70,10 +74,26 @@ std::string Machine::to_json() {
 }
 
 ports::System Machine::system(ports::Engines& engines) {
-  return {errors_,       clock_,          threads_, waits_,           files_,
-          registry_,     processes_,      modules_, resources_,       environment_,
-          termination_,  text_,           winapi_,  engines.cipher(), engines.key_maker(),
-          engines.xml(), Modules::library};
+  return {errors_,
+          clock_,
+          threads_,
+          waits_,
+          files_,
+          registry_,
+          processes_,
+          modules_,
+          resources_,
+          environment_,
+          termination_,
+          text_,
+          log_streams_,
+          crashes_,
+          winapi_,
+          engines.cipher(),
+          engines.key_maker(),
+          engines.xml(),
+          engines.cng(),
+          Modules::library};
 }
 
 void Machine::add_resource(std::wstring_view type, std::uint16_t id, std::vector<std::uint8_t> bytes) {

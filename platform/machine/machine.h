@@ -11,11 +11,14 @@
 
 #include "platform/machine/clock.h"
 #include "platform/machine/code_pages.h"
+#include "platform/machine/crashes.h"
+#include "platform/machine/desk_copies.h"
 #include "platform/machine/environment.h"
 #include "platform/machine/errors.h"
 #include "platform/machine/files.h"
 #include "platform/machine/handles.h"
 #include "platform/machine/ids.h"
+#include "platform/machine/log_streams.h"
 #include "platform/machine/modules.h"
 #include "platform/machine/named_objects.h"
 #include "platform/machine/processes.h"
@@ -44,6 +47,8 @@ struct Options {
   StopHandler on_stop{};
   /// Real time without progress after which the process aborts.
   std::chrono::milliseconds patience = std::chrono::minutes(2);
+  /// The folder of the desk that log files are written through to, record by record, under their real names.
+  std::optional<std::string> log_folder{};
 };
 
 /// A machine with nothing but drive C:, the folders and the program of its environment, and the current user's key.
@@ -92,12 +97,17 @@ class Machine {
   [[nodiscard]] Environment& environment() { return environment_; }
   [[nodiscard]] Termination& termination() { return termination_; }
   [[nodiscard]] CodePages& text() { return text_; }
+  [[nodiscard]] LogStreams& log_streams() { return log_streams_; }
+  [[nodiscard]] Crashes& crashes() { return crashes_; }
   [[nodiscard]] Winapi& winapi() { return winapi_; }
   [[nodiscard]] Scheduler& scheduler() { return scheduler_; }
   [[nodiscard]] HandleTable& handles() { return handles_; }
+  /// Empty, or why log files could not be written through to the desk.
+  [[nodiscard]] std::string desk_failure() { return copies_.failure(); }
 
  private:
   World world_;
+  DeskCopies copies_;  // open files use it when they go
   Errors errors_;
   HandleTable handles_;
   NamedObjects names_;
@@ -108,6 +118,8 @@ class Machine {
   Threads threads_;
   Waits waits_;
   Files files_;
+  LogStreams log_streams_;
+  Crashes crashes_;
   Registry registry_;
   Processes processes_;
   Modules modules_;

@@ -7,15 +7,17 @@
 
 namespace machine {
 
+class DeskCopies;
 struct World;
 
 /// A file behind a handle: gives its hold back at the end.
 class OpenFile final : public Object {
  public:
-  OpenFile(World& world, NodeId node, FilePlace place, std::uint32_t access, std::uint64_t owner);
+  OpenFile(World& world, DeskCopies& copies, NodeId node, FilePlace place, std::uint32_t access, std::uint64_t owner);
   ~OpenFile() override;
 
   World& world;
+  DeskCopies& copies;
   const NodeId node;
   const FilePlace place;       // by which name it was opened
   const std::uint32_t access;  // mapped rights

@@ -2,11 +2,14 @@
 
 #include <cstdlib>
 
+#include "platform/machine/crashes.h"
+
 namespace machine {
 
 void Termination::stop(const ports::StopReason& reason) {
   // Nothing may pass this door, an exception of the handler neither.
   try {
+    if (crashes_ != nullptr) crashes_->fault(reason);
     if (handler_) handler_(reason);
   } catch (...) {
     std::_Exit(1);

@@ -1,5 +1,6 @@
 #include "platform/ports/build.h"
 
+#include "platform/native/cng.h"
 #include "platform/native/pugi_xml.h"
 #include "platform/native/script_cipher.h"
 
@@ -13,11 +14,13 @@ class NativeEngines final : public Engines {
   ScriptCipher& cipher() override { return cipher_; }
   KeyMaker& key_maker() override { return key_maker_; }
   Xml& xml() override { return xml_; }
+  Cng& cng() override { return cng_; }
 
  private:
   native::OpensslCipher cipher_;
   native::OpensslKeyMaker key_maker_;
   native::PugiXml xml_;
+  native::OpensslCng cng_;
 };
 
 }  // namespace

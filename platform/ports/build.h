@@ -6,7 +6,7 @@
 
 namespace ports {
 
-/// The engines of this build: MSXML and CryptoAPI, or pugixml and OpenSSL. They tell their failures to the `Errors`
+/// The engines of this build: MSXML, CryptoAPI and CNG, or pugixml and OpenSSL. They tell their failures to the `Errors`
 /// that they were made with, so that they serve a machine as well as the real world.
 class Engines {
  public:
@@ -14,6 +14,7 @@ class Engines {
   [[nodiscard]] virtual ScriptCipher& cipher() = 0;
   [[nodiscard]] virtual KeyMaker& key_maker() = 0;
   [[nodiscard]] virtual Xml& xml() = 0;
+  [[nodiscard]] virtual Cng& cng() = 0;
 };
 [[nodiscard]] std::unique_ptr<Engines> make_engines(Errors& errors);
 

@@ -6,10 +6,11 @@ namespace ports {
 
 /// Folders that the system knows by purpose.
 enum class KnownFolder {
-  system,           // GetSystemDirectoryW
-  windows,          // GetWindowsDirectoryW
-  program_files,    // SHGetSpecialFolderPathW 38
-  common_app_data,  // SHGetSpecialFolderPathW 35
+  system,             // GetSystemDirectoryW
+  windows,            // GetWindowsDirectoryW
+  program_files,      // SHGetSpecialFolderPathW 38
+  common_app_data,    // SHGetSpecialFolderPathW 35
+  all_users_profile,  // GetAllUsersProfileDirectoryW
 };
 
 /// Facts about this process and where it runs. Any thread.

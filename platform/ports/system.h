@@ -9,10 +9,13 @@ class CWinapiInterface;
 namespace ports {
 
 class Clock;
+class Cng;
 class CodePages;
+class Crashes;
 class Environment;
 class Files;
 class KeyMaker;
+class LogStreams;
 class Modules;
 class Processes;
 class Registry;
@@ -46,11 +49,14 @@ struct System {
   Environment& environment;
   Termination& termination;
   CodePages& text;
+  LogStreams& log_streams;
+  Crashes& crashes;
   ky::CWinapiInterface& winapi;  // for the Decrypter's converter
   // The build's engines.
   ScriptCipher& cipher;
   KeyMaker& key_maker;
   Xml& xml;
+  Cng& cng;
   // The module whose resources hold the documents.
   Module own_module;
 };

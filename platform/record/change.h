@@ -36,4 +36,14 @@ struct Deletion {
   friend bool operator==(const Deletion&, const Deletion&) = default;
 };
 
+/// What became of a log file: the run wrote it and left it; it is an older run's, and went or should have gone.
+enum class LogFate { written, pruned, remains };
+
+/// A file of this run's log or of an older one's. None of them is a change or a deletion.
+struct LogFile {
+  std::wstring path;
+  LogFate fate = LogFate::written;
+  friend bool operator==(const LogFile&, const LogFile&) = default;
+};
+
 }  // namespace record

@@ -91,6 +91,21 @@ void Ledger::book(const std::wstring& path, std::wstring text) {
                                   }});
 }
 
+void Ledger::add_log(const std::wstring& path, bool written) {
+  const KeptError kept(inner_.errors);
+  if (paused()) return;
+  const std::wstring plain = plain_path(path);
+  const ports::Lock lock(mutex_);
+  const auto found = logs_.try_emplace(folded(plain), Log{plain, written}).first;
+  found->second.written = found->second.written || written;
+}
+
+bool Ledger::is_own_log(const std::wstring& path) const {
+  const ports::Lock lock(mutex_);
+  const auto found = logs_.find(folded(plain_path(path)));
+  return found != logs_.end() && found->second.written;
+}
+
 void Ledger::name(ports::Handle handle, std::wstring text) {
   const KeptError kept(inner_.errors);
   const ports::Lock lock(mutex_);
@@ -156,6 +171,10 @@ std::vector<Change> Ledger::changes() const {
   {
     const ports::Lock lock(mutex_);
     entries = entries_;
+    for (const auto& [path, log] : logs_) {
+      entries.erase({Subject::path, path});
+      entries.erase({Subject::content, path});
+    }
   }
   std::vector<Change> found;
   std::set<std::wstring> changed_paths;
@@ -191,6 +210,23 @@ std::vector<Deletion> Ledger::deletions() const {
   for (Attempt& attempt : attempts) {
     attempt.deletion.gone = !attempt.look().has_value();
     found.push_back(std::move(attempt.deletion));
+  }
+  return found;
+}
+
+std::vector<LogFile> Ledger::logs() const {
+  const KeptError kept(inner_.errors);
+  std::map<std::wstring, Log> logs;
+  {
+    const ports::Lock lock(mutex_);
+    logs = logs_;
+  }
+  std::vector<LogFile> found;
+  for (const auto& [path, log] : logs) {
+    const bool there = look_at_path(inner_, log.path).has_value();
+    // What the run wrote and removed again, its threads' files, has come and gone.
+    if (log.written && !there) continue;
+    found.push_back({log.path, log.written ? LogFate::written : there ? LogFate::remains : LogFate::pruned});
   }
   return found;
 }

@@ -46,6 +46,11 @@ class Ledger {
   /// Moves booked for the next start, by what moves.
   void book(const std::wstring& path, std::wstring text);
 
+  /// A log's file, which this run writes or else prunes: from now on it is no change.
+  void add_log(const std::wstring& path, bool written);
+  /// True for a file that this run wrote its log to.
+  [[nodiscard]] bool is_own_log(const std::wstring& path) const;
+
   void name(ports::Handle handle, std::wstring text);
   [[nodiscard]] std::optional<std::wstring> named(ports::Handle handle) const;
   void forget(ports::Handle handle);
@@ -61,6 +66,7 @@ class Ledger {
   [[nodiscard]] std::vector<Change> changes() const;
   [[nodiscard]] std::vector<Action> actions() const;
   [[nodiscard]] std::vector<Deletion> deletions() const;
+  [[nodiscard]] std::vector<LogFile> logs() const;
 
  private:
   using Id = std::pair<Subject, std::wstring>;
@@ -68,6 +74,10 @@ class Ledger {
     std::wstring path;
     std::optional<State> before;
     Look look;
+  };
+  struct Log {
+    std::wstring path;
+    bool written;
   };
   struct Attempt {
     Deletion deletion;
@@ -77,6 +87,7 @@ class Ledger {
   const ports::System& inner_;
   mutable ports::Mutex mutex_;
   std::map<Id, Entry> entries_ KY_GUARDED_BY(mutex_);
+  std::map<std::wstring, Log> logs_ KY_GUARDED_BY(mutex_);  // by folded path
   std::vector<Action> actions_ KY_GUARDED_BY(mutex_);
   std::vector<Attempt> attempts_ KY_GUARDED_BY(mutex_);
   std::map<Id, std::size_t> attempt_of_ KY_GUARDED_BY(mutex_);

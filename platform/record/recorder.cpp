@@ -2,6 +2,7 @@
 
 #include "platform/record/ledger.h"
 #include "platform/record/recording_files.h"
+#include "platform/record/recording_log_streams.h"
 #include "platform/record/recording_processes.h"
 #include "platform/record/recording_registry.h"
 
@@ -13,17 +14,19 @@ struct Recorder::Parts {
         ledger(inner),
         waits(inner, ledger),
         files(inner, ledger),
+        log_streams(inner, ledger),
         registry(inner, ledger),
         processes(inner, ledger),
         outer{inner.errors,      inner.clock,     inner.threads, waits,           files,
               registry,          processes,       inner.modules, inner.resources, inner.environment,
-              inner.termination, inner.text,      inner.winapi,  inner.cipher,    inner.key_maker,
-              inner.xml,         inner.own_module} {}
+              inner.termination, inner.text,      log_streams,   inner.crashes,   inner.winapi,
+              inner.cipher,      inner.key_maker, inner.xml,     inner.cng,       inner.own_module} {}
 
   const ports::System inner;
   Ledger ledger;
   RecordingWaits waits;
   RecordingFiles files;
+  RecordingLogStreams log_streams;
   RecordingRegistry registry;
   RecordingProcesses processes;
   ports::System outer;
@@ -47,6 +50,10 @@ std::vector<Action> Recorder::actions() const {
 
 std::vector<Deletion> Recorder::deletions() const {
   return parts_->ledger.deletions();
+}
+
+std::vector<LogFile> Recorder::logs() const {
+  return parts_->ledger.logs();
 }
 
 Recorder::Pause::Pause(Recorder& recorder) : recorder_(recorder) {

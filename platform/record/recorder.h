@@ -27,6 +27,9 @@ class Recorder {
   [[nodiscard]] std::vector<Action> actions() const;
   /// One for each thing, in the order of the first attempts.
   [[nodiscard]] std::vector<Deletion> deletions() const;
+  /// The files that the run's log lies in, and older logs in the common data folder that were to be deleted: what was
+  /// opened through the log's streams, and what has such a file's name. By path.
+  [[nodiscard]] std::vector<LogFile> logs() const;
 
   /// While one lives, what its thread does goes unnoted: the host's own work.
   class Pause {

@@ -9,6 +9,7 @@
 #include "platform/ports/build.h"
 #include "platform/ports/codes.h"
 #include "platform/ports/files.h"
+#include "platform/ports/log_streams.h"
 #include "platform/ports/registry.h"
 #include "platform/ports/threads.h"
 
@@ -213,6 +214,37 @@ TEST_F(RecorderTest, StartedAndEndedProcessesAreActions) {
   system->waits.close(process.process);
   EXPECT_EQ(recorder->actions(), (std::vector<Action>{{"process-started", L"C:\\Suite\\tool.exe /x"},
                                                       {"process-ended", L"C:\\Suite\\tool.exe /x"}}));
+}
+
+TEST_F(RecorderTest, LogsAreNoChanges) {
+  const auto log = [this](const wchar_t* path) {
+    const ports::LogStream stream = system->log_streams.open(path, ports::LogMode::append);
+    EXPECT_NE(stream, ports::LogStream::null);
+    system->log_streams.close(stream);
+  };
+  for (const wchar_t* name : {L"C:\\ProgramData\\s.900.8.bin", L"C:\\ProgramData\\s.901.kyinstall.v2.bin",
+                              L"C:\\ProgramData\\s.902.8.v2.bin", L"C:\\ProgramData\\s9.bin", L"C:\\s.900.8.bin"}) {
+    write(world, name, "old");
+  }
+  log(L"C:\\ProgramData\\s.1000.4.bin");
+  log(L"C:\\ProgramData\\s.1000.kyinstall.bin");
+  EXPECT_TRUE(system->files.remove(L"C:\\ProgramData\\s.1000.4.bin"));
+  EXPECT_TRUE(system->files.remove(L"c:\\programdata\\s.900.8.bin"));
+  EXPECT_TRUE(system->files.remove(L"C:\\ProgramData\\s.901.kyinstall.v2.bin"));
+  EXPECT_TRUE(world.files.set_attributes(L"C:\\ProgramData\\s.902.8.v2.bin", ports::file_attribute::read_only));
+  EXPECT_FALSE(system->files.remove(L"C:\\ProgramData\\s.902.8.v2.bin"));
+  const std::vector<LogFile> logs = {{L"C:\\ProgramData\\s.1000.kyinstall.bin", LogFate::written},
+                                     {L"c:\\programdata\\s.900.8.bin", LogFate::pruned},
+                                     {L"C:\\ProgramData\\s.901.kyinstall.v2.bin", LogFate::pruned},
+                                     {L"C:\\ProgramData\\s.902.8.v2.bin", LogFate::remains}};
+  EXPECT_EQ(recorder->logs(), logs);
+  EXPECT_EQ(recorder->changes(), Changes());
+  EXPECT_EQ(recorder->deletions(), Deletions());
+
+  EXPECT_TRUE(system->files.remove(L"C:\\ProgramData\\s9.bin"));
+  EXPECT_TRUE(system->files.remove(L"C:\\s.900.8.bin"));
+  EXPECT_EQ(recorder->changes().size(), 2U) << "no log by its name, or not where logs lie";
+  EXPECT_EQ(recorder->deletions().size(), 2U);
 }
 
 }  // namespace

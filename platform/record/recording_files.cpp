@@ -1,6 +1,8 @@
 #include "platform/record/recording_files.h"
 
 #include "platform/ports/codes.h"
+#include "platform/ports/environment.h"
+#include "platform/record/log_names.h"
 #include "platform/record/paths.h"
 
 namespace record {
@@ -67,7 +69,23 @@ bool RecordingFiles::set_attributes(const wchar_t* path, std::uint32_t attribute
   return inner_.set_attributes(path, attributes);
 }
 
+/// Whether it is a file of this run's log, or by its place and name one of an older log.
+bool RecordingFiles::is_log(const wchar_t* path) {
+  if (path == nullptr) return false;
+  const KeptError kept(errors_);
+  if (ledger_.is_own_log(path)) return true;
+  const std::wstring plain = plain_path(path);
+  const std::size_t slash = plain.rfind(L'\\');
+  if (slash == std::wstring::npos || !is_log_name(std::wstring_view(plain).substr(slash + 1))) return false;
+  const std::wstring folder = system_.environment.folder(ports::KnownFolder::common_app_data);
+  return folded(plain.substr(0, slash)) == folded(plain_path(folder));
+}
+
 bool RecordingFiles::remove(const wchar_t* path) {
+  if (is_log(path)) {
+    ledger_.add_log(path, false);
+    return inner_.remove(path);
+  }
   watch(path);
   const bool done = inner_.remove(path);
   return path == nullptr ? done : note_deletion("file", path, done);

@@ -50,6 +50,7 @@ class RecordingFiles final : public ports::Files {
   void watch(const wchar_t* path);
   void watch_tree(const wchar_t* from, const wchar_t* to);
   [[nodiscard]] std::string kind_of(const std::wstring& path, const char* otherwise);
+  [[nodiscard]] bool is_log(const wchar_t* path);
   bool note_deletion(const std::string& kind, const std::wstring& path, bool done);
 
   ports::Files& inner_;

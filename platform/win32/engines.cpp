@@ -1,4 +1,5 @@
 #include "platform/ports/build.h"
+#include "platform/win32/cng.h"
 #include "platform/win32/key_maker.h"
 #include "platform/win32/script_cipher.h"
 #include "platform/win32/xml.h"
@@ -14,11 +15,13 @@ class Engines final : public ports::Engines {
   ports::ScriptCipher& cipher() override { return cipher_; }
   ports::KeyMaker& key_maker() override { return key_maker_; }
   ports::Xml& xml() override { return xml_; }
+  ports::Cng& cng() override { return cng_; }
 
  private:
   ScriptCipher cipher_;
   KeyMaker key_maker_;
   Xml xml_;
+  Cng cng_;
 };
 
 }  // namespace

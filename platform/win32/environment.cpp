@@ -3,6 +3,9 @@
 #include <windows.h>
 
 #include <shlobj.h>
+#include <userenv.h>
+
+#include <iterator>
 
 namespace win32 {
 
@@ -14,6 +17,12 @@ std::wstring from_call(FolderCall call) {
   wchar_t path[MAX_PATH];
   const UINT length = call(path, MAX_PATH);
   return length < MAX_PATH ? std::wstring(path, length) : std::wstring();
+}
+
+std::wstring all_users_profile() {
+  wchar_t path[520];
+  DWORD size = static_cast<DWORD>(std::size(path));
+  return GetAllUsersProfileDirectoryW(path, &size) ? std::wstring(path) : std::wstring();
 }
 
 std::wstring special(int folder) {
@@ -33,6 +42,8 @@ std::wstring Environment::folder(ports::KnownFolder which) {
       return special(CSIDL_PROGRAM_FILES);
     case ports::KnownFolder::common_app_data:
       return special(CSIDL_COMMON_APPDATA);
+    case ports::KnownFolder::all_users_profile:
+      return all_users_profile();
   }
   return {};
 }

@@ -1,9 +1,11 @@
 #include "platform/ports/build.h"
 #include "platform/win32/clock.h"
 #include "platform/win32/code_pages.h"
+#include "platform/win32/crashes.h"
 #include "platform/win32/environment.h"
 #include "platform/win32/errors.h"
 #include "platform/win32/files.h"
+#include "platform/win32/log_streams.h"
 #include "platform/win32/modules.h"
 #include "platform/win32/processes.h"
 #include "platform/win32/registry.h"
@@ -29,6 +31,8 @@ struct RealWorld {
   Environment environment;
   Termination termination;
   CodePages text;
+  LogStreams log_streams;
+  Crashes crashes;
   WinapiForwards winapi;
   std::unique_ptr<ports::Engines> engines = ports::make_engines(errors);
   ports::System system{errors,
@@ -43,10 +47,13 @@ struct RealWorld {
                        environment,
                        termination,
                        text,
+                       log_streams,
+                       crashes,
                        winapi,
                        engines->cipher(),
                        engines->key_maker(),
                        engines->xml(),
+                       engines->cng(),
                        ports::Module::null};
 };
 

@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <stdlib.h>
+
 #include <string>
 
 namespace win32 {
@@ -25,6 +27,11 @@ void announce(const std::wstring& text) {
 void Termination::stop(const ports::StopReason& reason) {
   announce(reason.text);
   const std::uint32_t code = stop_code(reason.kind);
+  // As the runtime does where a value does not fit; a handler may end the process in its own way.
+  const _invalid_parameter_handler handler = _get_invalid_parameter_handler();
+  if (reason.kind == ports::StopKind::invalid_parameter && handler != nullptr) {
+    handler(reason.text.c_str(), nullptr, nullptr, 0, 0);
+  }
   RaiseException(code, EXCEPTION_NONCONTINUABLE, 0, nullptr);
   // A debugger may swallow the exception; nothing may run on after it.
   for (;;) TerminateProcess(GetCurrentProcess(), code);

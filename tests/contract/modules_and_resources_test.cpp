@@ -51,6 +51,8 @@ TEST_P(ModulesAndResources, TheProgramKnowsItsPlace) {
     EXPECT_NE(folder.back(), L'\\');
     EXPECT_TRUE(system().files.exists(folder.c_str()));
   }
+  expect_but_for_wine("all users' profile",
+                      !system().environment.folder(ports::KnownFolder::all_users_profile).empty());
 }
 
 KY_CONTRACT(ModulesAndResources);

@@ -27,6 +27,7 @@ inline const std::vector<Sample>& samples() {
       {"documents", "workshop", "documents", 0},
       {"expressions", "workshop", "expressions", 0},
       {"jumps", "workshop", "jumps", 0},
+      {"logging", "workshop", "logging", 0},
       {"return-code", "workshop", "return-code", 1},
       {"stop-undefined-text", "workshop", "stop-undefined-text", 1},
       {"xml-values", "workshop", "xml-values", 0},

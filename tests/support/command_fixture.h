@@ -9,32 +9,15 @@
 
 #include "host/session.h"
 #include "installer/desktop/module/library.h"
-#include "installer/utils/base/strings/format.h"
 #include "installer/utils/base/strings/utf8.h"
 #include "ky/keys.h"
-#include "ky/logger_api.h"
 #include "platform/machine/machine.h"
 #include "platform/ports/build.h"
 #include "platform/ports/files.h"
 #include "platform/ports/threads.h"
 #include "platform/ports/xml.h"
+#include "tests/support/kept_log.h"
 #include "tools/ky/script/text_cipher.h"
-
-/// A log that keeps its records.
-class KeptLog final : public ky::Destroyable<KeptLog, ky::ILoggerApi> {
- public:
-  explicit KeptLog(std::vector<std::wstring>& lines) : lines_(lines) {}
-  void WriteFormatted(const wchar_t* format, std::va_list arguments) override {
-    WriteLine(base::strings::format_v(format, arguments).c_str());
-  }
-  void WriteLine(const wchar_t* text) override { lines_.emplace_back(text); }
-  void StartThreadLog(const wchar_t*, bool) override {}
-  void SetXorKey(const char*) override {}
-  void SetMergedNameTag(const wchar_t*) override {}
-
- private:
-  std::vector<std::wstring>& lines_;
-};
 
 /// One command on a bare machine: a store with the host's keys, a log, and the command's attributes enciphered as a
 /// script has them.
@@ -48,7 +31,7 @@ class CommandFixture : public ::testing::Test {
 
   CommandFixture() {
     EXPECT_EQ(session.start(host::built_in_script_key()), "");
-    ky::ILoggerApi* const kept = new KeptLog(log);
+    ky::ILoggerApi* const kept = new support::KeptLog(log);
     session.store().put(ky::keys::SelfFree_LoggerApi.name, ky::ToStored(kept));
   }
 

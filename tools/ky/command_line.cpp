@@ -40,6 +40,7 @@ class CommandLine {
     add_script(*app_.add_subcommand("script", "Check, draw and translate scripts"));
     add_rehearse(*app_.add_subcommand("rehearse", "Run a script on a copy of a machine"));
     add_run(*app_.add_subcommand("run", "Run a script for real; Windows only"));
+    add_log(*app_.add_subcommand("log", "Read logs"));
   }
 
   [[nodiscard]] std::variant<Options, Usage> parse(std::vector<std::string> arguments) {
@@ -123,6 +124,25 @@ class CommandLine {
     app.parse_complete_callback([this] { choose(run_); });
   }
 
+  void add_log(CLI::App& log) {
+    log.require_subcommand(0, 1);
+    CLI::App& app = *log.add_subcommand("read", "The text of a run's log, sealed or not");
+    CLI::Option* const files = app.add_option("FILE", log_read_.files, "Log files, or folders of them");
+    files->required()->check(a_name());
+    take_name(app, "--key", log_read_.key, "Private key of the log, for sealed files");
+    take_name(app, "--algorithm", log_read_.algorithm, "Algorithm that the log was sealed with")->capture_default_str();
+    app.add_flag("--run", log_read_.run, "Read all files of each FILE's run");
+    app.add_flag("--by-thread", log_read_.by_thread, "One thread after the other instead of one timeline");
+    app.add_flag("--json", log_read_.json, "An object a line, for tools");
+    app.add_flag("--follow", log_read_.follow, "Show the run of FILE while it goes on, until it ends")
+        ->excludes("--by-thread")
+        ->excludes("--run");
+    app.parse_complete_callback([this, files] {
+      if (log_read_.follow && files->count() > 1) throw CLI::ValidationError("--follow", "takes one FILE");
+      choose(log_read_);
+    });
+  }
+
   /// Cuts off "--" and what follows it, where the subcommand hands it on.
   void take_switches(std::vector<std::string>& arguments) {
     if (arguments.empty() || (arguments.front() != "rehearse" && arguments.front() != "run")) return;
@@ -160,6 +180,7 @@ class CommandLine {
   ScriptGraphOptions graph_;
   RehearseOptions rehearse_;
   RunOptions run_;
+  LogReadOptions log_read_;
   // The options of the subcommand that was given.
   std::function<Options()> chosen_;
 };

@@ -43,6 +43,12 @@ TEST(CommandLine, EachSubcommandFillsItsOptions) {
   EXPECT_EQ(run.script, "s");
   EXPECT_EQ(run.log_key, "p");
   EXPECT_EQ(run.switches, std::vector<std::string>{"/x"});
+
+  const auto log = options_of<workbench::LogReadOptions>({"log", "read", "a", "b", "--key=k", "--by-thread", "--json"});
+  EXPECT_EQ(log.files, (std::vector<std::string>{"a", "b"}));
+  EXPECT_EQ(log.key, "k");
+  EXPECT_EQ(log.algorithm, "AES");
+  EXPECT_TRUE(log.by_thread && log.json && !log.follow && !log.run);
 }
 
 TEST(CommandLine, WrongUsageIsOneLineWithAHint) {
@@ -58,6 +64,7 @@ TEST(CommandLine, WrongUsageIsOneLineWithAHint) {
       {{"keys", "new", "a", "b"},
        "ky keys new: The following argument was not expected: b\nTry 'ky keys new --help'.\n"},
       {{"rehearse"}, "ky rehearse: --machine is required\nTry 'ky rehearse --help'.\n"},
+      {{"log", "read", "--follow", "a", "b"}, "ky log read: --follow: takes one FILE\nTry 'ky log read --help'.\n"},
       {{"rehearse", "--machine", "m", "/silent"},
        "ky rehearse: The following argument was not expected: /silent\nTry 'ky rehearse --help'.\n"},
   };

@@ -11,6 +11,7 @@
 #include "tools/ky/desk_engines.h"
 #include "tools/ky/graph/graph_files.h"
 #include "tools/ky/keys/new_keys.h"
+#include "tools/ky/log/log_read.h"
 #include "tools/ky/rehearse/rehearse.h"
 #include "tools/ky/rehearse/run.h"
 #include "tools/ky/script/script_files.h"
@@ -52,6 +53,7 @@ struct Work {
   }
   int operator()(const RehearseOptions& options) const { return rehearse(options, out, err); }
   int operator()(const RunOptions& options) const { return run(options, out, err); }
+  int operator()(const LogReadOptions& options) const { return log_tool::log_read(options, out, err); }
 };
 
 }  // namespace

@@ -66,7 +66,18 @@ struct RunOptions {
   std::vector<std::string> switches;
 };
 
+/// `ky log read FILE... [--key private.pem] [--algorithm NAME] [--run] [--by-thread | --follow] [--json]`
+struct LogReadOptions {
+  std::vector<std::string> files;  // at least one; with `follow` one
+  std::optional<std::string> key;
+  std::string algorithm = "AES";
+  bool run = false;        // all files of each file's run
+  bool by_thread = false;  // no timeline
+  bool follow = false;
+  bool json = false;
+};
+
 using Options = std::variant<KeysNewOptions, ScriptCompileOptions, ScriptDecompileOptions, ScriptCheckOptions,
-                             ScriptGraphOptions, RehearseOptions, RunOptions>;
+                             ScriptGraphOptions, RehearseOptions, RunOptions, LogReadOptions>;
 
 }  // namespace workbench

@@ -21,6 +21,18 @@ const char* to_text(Fate fate) {
   return "";
 }
 
+const char* to_text(record::LogFate fate) {
+  switch (fate) {
+    case record::LogFate::written:
+      return "written";
+    case record::LogFate::pruned:
+      return "pruned";
+    case record::LogFate::remains:
+      return "remains";
+  }
+  return "";
+}
+
 bool went_well(const Outcome& outcome) {
   return outcome.return_code == 0 && outcome.ended_early.empty() && !outcome.stopped;
 }

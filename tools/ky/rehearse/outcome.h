@@ -44,12 +44,14 @@ struct Outcome {
   std::vector<record::Change> changes;
   std::vector<record::Action> actions;
   std::vector<record::Deletion> deletions;
+  std::vector<record::LogFile> logs;
 };
 
 /// What became of a thing that was to be deleted.
 enum class Fate { removed, absent, remains };
 [[nodiscard]] Fate fate_of(const record::Deletion& deletion);
 [[nodiscard]] const char* to_text(Fate fate);
+[[nodiscard]] const char* to_text(record::LogFate fate);
 
 /// True when the run came to its end with return code 0.
 [[nodiscard]] bool went_well(const Outcome& outcome);

@@ -19,6 +19,9 @@ class OutputFolder {
   /// Writes one file whole. Gives the empty string or, in one line, what went wrong.
   [[nodiscard]] std::string write(const std::string& name, std::string_view bytes);
 
+  /// A file that lies there already, for `files`.
+  void add(std::string name) { files_.push_back(std::move(name)); }
+
   [[nodiscard]] std::string path() const { return path_.value_or(""); }
   /// Names of the files that were written.
   [[nodiscard]] const std::vector<std::string>& files() const { return files_; }

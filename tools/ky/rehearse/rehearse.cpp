@@ -4,14 +4,17 @@
 #include <memory>
 #include <ostream>
 
+#include "diagnostics/reader/session_key.h"
 #include "platform/desk/desk.h"
 #include "platform/machine/document.h"
 #include "platform/machine/machine.h"
 #include "platform/ports/build.h"
 #include "resources/edition.h"
 #include "tools/ky/bad_input.h"
+#include "tools/ky/rehearse/noting_cng.h"
 #include "tools/ky/rehearse/report.h"
 #include "tools/ky/rehearse/run_and_report.h"
+#include "tools/ky/rehearse/run_logs.h"
 #include "tools/ky/rehearse/script_run.h"
 #include "tools/ky/rehearse/script_source.h"
 #include "tools/ky/rehearse/switched_environment.h"
@@ -32,6 +35,7 @@ std::unique_ptr<machine::Machine> load_machine(const RehearseOptions& options,
   machine::Options how;
   how.max_steps = options.max_steps;
   how.on_stop = std::move(on_stop);
+  how.log_folder = options.out;
   try {
     return machine::Machine::from_json(text, options.machine, std::move(how));
   } catch (const machine::DocumentError& error) {
@@ -41,6 +45,19 @@ std::unique_ptr<machine::Machine> load_machine(const RehearseOptions& options,
 
 void add_document(machine::Machine& world, std::uint16_t id, std::string_view bytes) {
   world.add_resource(edition::document_type, id, {bytes.begin(), bytes.end()});
+}
+
+/// The run's log files as they lie in the folder.
+std::vector<std::string> written_through(const rehearsal::Outcome& outcome, rehearsal::OutputFolder& folder) {
+  std::vector<std::string> files;
+  for (const std::string& log : rehearsal::own_logs(outcome)) {
+    const std::string name = rehearsal::file_name_of(log);
+    const std::string file = desk::join(folder.path(), name);
+    if (!desk::exists(file)) continue;
+    files.push_back(file);
+    folder.add(name);
+  }
+  return files;
 }
 
 }  // namespace
@@ -54,16 +71,25 @@ int rehearse(const RehearseOptions& options, std::ostream& out, std::ostream& er
   add_document(*world, edition::configuration_id, edition::configuration());
 
   ports::System system = world->system(*engines);
+  rehearsal::NotingCng cng(system.cng);
   rehearsal::SwitchedEnvironment environment(system.environment, options.switches);
-  rehearsal::ScriptRun run(rehearsal::with(system, environment, system.termination));
+  rehearsal::ScriptRun run(rehearsal::with(system, environment, system.termination, cng));
   rehearsal::OutputFolder folder(options.out);
   rehearsal::Report report("Rehearsal of " + source.title + " on " + options.machine, folder, out, err);
+  report.read_log_by([&](const rehearsal::Outcome& outcome) -> std::optional<std::string> {
+    if (!options.out) return std::nullopt;
+    diagnostics::reader::KeyOpener keys(system.cng);
+    rehearsal::know_keys_of(cng, keys);
+    return rehearsal::clear_text_of(written_through(outcome, folder), &keys, err);
+  });
   report.add_file("machine.json", [&world] { return world->to_json(); });
   on_stop = [&](const ports::StopReason& reason) {
     report.finish(run.stopped(reason));
     std::_Exit(EXIT_FAILURE);
   };
-  return rehearsal::run_and_report(run, source, report, err);
+  const int code = rehearsal::run_and_report(run, source, report, err);
+  if (const std::string reason = world->desk_failure(); !reason.empty()) err << "ky: " << reason << '\n';
+  return world->desk_failure().empty() ? code : EXIT_FAILURE;
 }
 
 }  // namespace workbench

@@ -9,7 +9,8 @@ namespace rehearsal {
 
 int Report::finish(const Outcome& outcome) {
   bool written = write("result.json", to_json(outcome));
-  if (keep_log_) written = write("log.txt", log_) && written;
+  const std::optional<std::string> read = log_reader_ ? log_reader_(outcome) : std::nullopt;
+  if (keep_log_) written = write("log.txt", read.value_or(log_)) && written;
   if (extra_) written = write(extra_name_, extra_()) && written;
   print_summary({title_, folder_.path(), folder_.files()}, outcome, out_);
   out_.flush();

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <iosfwd>
+#include <optional>
 #include <string>
 
 #include "tools/ky/rehearse/outcome.h"
@@ -19,6 +20,10 @@ class Report {
 
   /// Appends a record to the clear-text log.
   void log(std::string_view record) { log_ += record; }
+  /// Reads the run's own log once the run has ended; gives nothing where the run kept none, and the records of `log`
+  /// stand for it then.
+  using LogReader = std::function<std::optional<std::string>(const Outcome&)>;
+  void read_log_by(LogReader reader) { log_reader_ = std::move(reader); }
   /// A further file, made when the run has ended.
   void add_file(std::string name, std::function<std::string()> content) {
     extra_name_ = std::move(name);
@@ -41,6 +46,7 @@ class Report {
   std::ostream& out_;
   std::ostream& err_;
   std::string log_;
+  LogReader log_reader_;
   bool keep_log_ = true;
   std::string extra_name_;
   std::function<std::string()> extra_;

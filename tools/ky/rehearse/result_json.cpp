@@ -57,6 +57,10 @@ value from_deletion(const record::Deletion& deletion) {
                       {"code", number(deletion.code)}});
 }
 
+value from_log(const record::LogFile& log) {
+  return value(object{{"path", value(to_utf8(log.path))}, {"fate", value(to_text(log.fate))}});
+}
+
 value from_globals(const std::map<std::string, GlobalValue>& globals) {
   object out;
   for (const auto& [name, held] : globals) {
@@ -92,7 +96,7 @@ std::string to_json(const Outcome& outcome) {
       {"changes", list(outcome.changes, from_change)},
       {"actions", list(outcome.actions, from_action)},
       {"deletions", list(outcome.deletions, from_deletion)},
-      {"logs", value(array{})},
+      {"logs", list(outcome.logs, from_log)},
   });
   return document.serialize(true);
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 #include "host/commands/deleting_command.h"
 #include "installer/desktop/module/library.h"
@@ -63,8 +64,8 @@ std::vector<std::string> ScriptRun::prepare(std::string_view enciphered, const h
   const record::Recorder::Pause unnoted(recorder_);
   if (std::string reason = session_->start(key); !reason.empty()) return {std::move(reason)};
   if (log) {
-    ky::ILoggerApi* const plain = new PlainLog(recorder_.system().clock, std::move(log));
-    session_->store().put(ky::keys::SelfFree_LoggerApi.name, ky::ToStored(plain));
+    plain_log_ = new PlainLog(recorder_.system().clock, std::move(log));
+    session_->store().put(ky::keys::SelfFree_LoggerApi.name, ky::ToStored(plain_log_));
   }
   std::vector<std::string> reasons;
   for (const host::ScriptFault& fault : session_->load(enciphered)) reasons.push_back(host::describe(fault));
@@ -82,7 +83,10 @@ Outcome ScriptRun::run(const Progress& progress) {
   Outcome outcome = seen_so_far();
   outcome.return_code = session_->return_code();
   outcome.ended_early = describe_end(result);
+  // Nobody releases a log that another one replaced.
+  const bool replaced = session_->store().get(ky::keys::SelfFree_LoggerApi.name) != ky::ToStored(plain_log_);
   session_->release();
+  if (replaced) ky::Release(std::exchange(plain_log_, nullptr));
   gather_changes(outcome);
   return outcome;
 }
@@ -124,6 +128,7 @@ void ScriptRun::gather_changes(Outcome& outcome) const {
   outcome.changes = recorder_.changes();
   outcome.actions = recorder_.actions();
   outcome.deletions = recorder_.deletions();
+  outcome.logs = recorder_.logs();
   for (const record::Deletion& asked : asked_for_) {
     const bool seen = std::any_of(outcome.deletions.begin(), outcome.deletions.end(), [&asked](const auto& deletion) {
       return base::strings::equal_ignoring_case(deletion.path, asked.path);

@@ -52,6 +52,8 @@ class ScriptRun final : private host::RunObserver {
   record::Recorder recorder_;
   host::TableFactories library_;
   std::unique_ptr<host::Session> session_;
+  /// Until the script brings up a log of its own, which takes its place in the store.
+  ky::ILoggerApi* plain_log_ = nullptr;
   Progress progress_;
   /// The keys that come from the clock, whatever the run.
   std::set<std::string> clock_keys_;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <string_view>
+#include <type_traits>
 
 namespace base::strings {
 
@@ -25,15 +26,14 @@ class Formatter {
   Formatter& operator=(const Formatter&) = delete;
 
   std::basic_string<C> run() {
-    while (*at_ != C{}) {
-      const C c = *at_++;
-      if (c == C('%')) {
-        convert();
-      } else {
-        out_.push_back(c);
-      }
+    for (;;) {
+      const C* const begin = at_;
+      while (*at_ != C{} && *at_ != C('%')) ++at_;
+      out_.append(begin, at_);
+      if (*at_ == C{}) return std::move(out_);
+      ++at_;
+      convert();
     }
-    return std::move(out_);
   }
 
  private:
@@ -168,18 +168,24 @@ class Formatter {
   }
 
   template <class Source>
-  static std::basic_string<C> taken(const Source* text, const Source* null_text, std::size_t limit) {
-    std::basic_string<C> out;
+  static auto taken(const Source* text, const Source* null_text, std::size_t limit) {
     if (text == nullptr) text = null_text;
-    for (; out.size() < limit && *text != Source{}; ++text) {
-      const auto unit = static_cast<std::uint32_t>(static_cast<std::make_unsigned_t<Source>>(*text));
-      if (sizeof(C) == 1 && unit > 0xFF) break;
-      out.push_back(static_cast<C>(unit));
+    if constexpr (std::is_same_v<Source, C>) {
+      std::size_t length = 0;
+      while (length < limit && text[length] != C{}) ++length;
+      return std::basic_string_view<C>(text, length);
+    } else {
+      std::basic_string<C> out;
+      for (; out.size() < limit && *text != Source{}; ++text) {
+        const auto unit = static_cast<std::uint32_t>(static_cast<std::make_unsigned_t<Source>>(*text));
+        if (sizeof(C) == 1 && unit > 0xFF) break;
+        out.push_back(static_cast<C>(unit));
+      }
+      return out;
     }
-    return out;
   }
 
-  void pad(const std::basic_string<C>& text, const Conversion& how) {
+  void pad(std::basic_string_view<C> text, const Conversion& how) {
     const auto width = static_cast<std::size_t>(std::max(0, how.width));
     const std::size_t missing = width > text.size() ? width - text.size() : 0;
     if (!how.left) out_.append(missing, C(' '));

@@ -74,18 +74,14 @@ std::size_t ascii_end(std::string_view text, std::size_t at) {
   return at;
 }
 
-/// Appends `units` if they are all ASCII. They are copied before that is known: without a branch many go by at a time.
-bool append_ascii(std::string& out, std::wstring_view units) {
-  const std::size_t begin = out.size();
-  out.resize(begin + units.size());
-  char* const to = out.data() + begin;
-  std::uint32_t all = 0;
-  for (std::size_t i = 0; i < units.size(); ++i) {
-    all |= static_cast<std::uint32_t>(units[i]);
-    to[i] = static_cast<char>(units[i]);
-  }
-  if (all >= 0x80) out.resize(begin);
-  return all < 0x80;
+/// The same for units, to bytes at `to`, which are written in any case.
+bool narrowed_block(std::wstring_view wide, std::size_t at, char* to) {
+  constexpr std::size_t size = std::tuple_size_v<Block>;
+  if (at + size > wide.size()) return false;
+  std::uint32_t bits = 0;
+  for (std::size_t i = 0; i < size; ++i) bits |= static_cast<std::uint32_t>(wide[at + i]);
+  for (std::size_t i = 0; i < size; ++i) to[i] = static_cast<char>(wide[at + i]);
+  return bits < 0x80;
 }
 
 bool is_high_surrogate(wchar_t unit) {
@@ -98,8 +94,8 @@ bool is_low_surrogate(wchar_t unit) {
   return unit >= 0xDC00 && unit <= 0xDFFF;
 }
 
-void append_utf8(std::string& out, char32_t c) {
-  const auto put = [&](char32_t byte) { out.push_back(static_cast<char>(static_cast<unsigned char>(byte))); };
+void put_utf8(char*& out, char32_t c) {
+  const auto put = [&](char32_t byte) { *out++ = static_cast<char>(static_cast<unsigned char>(byte)); };
   if (c < 0x80) {
     put(c);
   } else if (c < 0x800) {
@@ -157,26 +153,26 @@ std::size_t to_wide(std::string_view utf8, wchar_t* out) {
 }
 
 std::string to_utf8(std::wstring_view wide) {
-  constexpr std::size_t block = 256;
-  std::string out;
-  out.reserve(wide.size());
-  for (std::size_t at = 0; at < wide.size();) {
-    const std::size_t end = std::min(at + block, wide.size());
-    if (append_ascii(out, wide.substr(at, end - at))) {
-      at = end;
-      continue;
-    }
-    for (; at < end; ++at) {
-      const wchar_t unit = wide[at];
-      if (is_high_surrogate(unit) && at + 1 < wide.size() && is_low_surrogate(wide[at + 1])) {
-        const auto high = static_cast<char32_t>(unit) - 0xD800;
-        append_utf8(out, 0x10000 + (high << 10) + (static_cast<char32_t>(wide[++at]) - 0xDC00));
-      } else {
-        append_utf8(out, is_surrogate(unit) ? replacement : static_cast<char32_t>(unit));
-      }
+  std::string out(wide.size() * 3, '\0');
+  out.resize(to_utf8(wide, out.data()));
+  return out;
+}
+
+std::size_t to_utf8(std::wstring_view wide, char* out) {
+  char* to = out;
+  for (std::size_t at = 0; at < wide.size(); ++at) {
+    // A unit takes up to three bytes, so that there is room for a block that is then written otherwise.
+    for (; narrowed_block(wide, at, to); at += std::tuple_size_v<Block>) to += std::tuple_size_v<Block>;
+    if (at == wide.size()) break;
+    const wchar_t unit = wide[at];
+    if (is_high_surrogate(unit) && at + 1 < wide.size() && is_low_surrogate(wide[at + 1])) {
+      const auto high = static_cast<char32_t>(unit) - 0xD800;
+      put_utf8(to, 0x10000 + (high << 10) + (static_cast<char32_t>(wide[++at]) - 0xDC00));
+    } else {
+      put_utf8(to, is_surrogate(unit) ? replacement : static_cast<char32_t>(unit));
     }
   }
-  return out;
+  return static_cast<std::size_t>(to - out);
 }
 
 bool is_utf8(std::string_view bytes) {

@@ -17,6 +17,8 @@ void to_wide(std::string_view utf8, std::wstring& out);
 
 /// UTF-8 of UTF-16 code units. An unpaired surrogate becomes U+FFFD.
 [[nodiscard]] std::string to_utf8(std::wstring_view wide);
+/// The same to `out`, which has room for three bytes a unit; gives the count of bytes.
+[[nodiscard]] std::size_t to_utf8(std::wstring_view wide, char* out);
 
 /// True when the bytes are well-formed UTF-8 (RFC 3629).
 [[nodiscard]] bool is_utf8(std::string_view bytes);
