@@ -108,6 +108,15 @@ TEST_F(LogPage, TheDataTellsThreadsTimesSpansFindingsAndDamage) {
   EXPECT_EQ(run.get("problems").get(0).get(1).to_str(), "s.7.4.v2.bin");
 }
 
+TEST_F(LogPage, WithoutADateTimesGoOnOverMidnight) {
+  EXPECT_EQ(write_page(write("s.7.1.v2.bin", maker_.header() + maker_.record("23:59:59:000", L"a\n") +
+                                                 maker_.record("23:59:58:000", L"set back\n") +
+                                                 maker_.record("00:00:01:000", L"b\n"))),
+            0);
+  const picojson::value run = run_of(page_);
+  EXPECT_EQ(run.get("dated").serialize() + run.get("time").serialize(), "false[86399000,-1000,3000]");
+}
+
 TEST_F(LogPage, BeyondItsLimitsThePageHoldsTheNewestRecordsAndSaysSo) {
   for (const log_tool::PageLimits limits : {log_tool::PageLimits{3, 1000}, log_tool::PageLimits{1000, 12}}) {
     std::ostringstream err;

@@ -136,11 +136,13 @@ class RunData {
 
 }  // namespace
 
-std::string page_data(const std::vector<PageRun>& runs, std::size_t limit) {
-  std::string data = "{\"limit\":" + std::to_string(limit);
-  append_list(data, "runs", runs, [&](const PageRun& run) { RunData(data, run).append(); });
-  data.push_back('}');
-  return data;
+std::string page_data(const std::vector<PageRun>& runs) {
+  std::string data = "{\"runs\":[";
+  for (const PageRun& run : runs) {
+    if (&run != &runs.front()) data.push_back(',');
+    RunData(data, run).append();
+  }
+  return data += "]}";
 }
 
 }  // namespace log_tool

@@ -9,8 +9,7 @@ namespace log_tool {
 
 /// The data of a page, as JSON that a script element can hold:
 ///
-///   {"limit": records that a page takes,
-///    "runs": [{"name", "label", "start": seconds since 1970, or null where the name tells none, "dated", "leftOut",
+///   {"runs": [{"name", "label", "start": seconds since 1970, or null where the name tells none, "dated", "leftOut",
 ///              "threads": [[id, description]...], "commands": [name...], "files": [name...],
 ///              "problems": [[kind, file, offset, bytes, text]...],
 ///              "time": [milliseconds since the record before...], "thread": [position...], "file": [position...],
@@ -20,6 +19,6 @@ namespace log_tool {
 ///                         1: a program's]...]}...]}
 ///
 /// Times are local milliseconds since 1970, since midnight where the run is not dated; the first is absolute.
-[[nodiscard]] std::string page_data(const std::vector<PageRun>& runs, std::size_t limit);
+[[nodiscard]] std::string page_data(const std::vector<PageRun>& runs);
 
 }  // namespace log_tool

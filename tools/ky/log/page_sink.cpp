@@ -72,7 +72,7 @@ std::string PageSink::page() {
   if (left_out != 0) {
     err_ << "the page holds the newest " << records_ << " records; " << left_out << " older ones were left out\n";
   }
-  return assemble(page_data(runs_, limits_.records));
+  return assemble(page_data(runs_));
 }
 
 }  // namespace log_tool

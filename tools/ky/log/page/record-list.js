@@ -2,6 +2,7 @@
 
 class RecordList {
   static ROW = 24;
+  static HEAD = 26; // of the line above the rows, which stays in view
 
   /** `fill(row, position)` puts content into an element; `on.pick(position, event)` hears clicks. */
   constructor(viewport, body, fill, on) {
@@ -29,7 +30,7 @@ class RecordList {
   reset(count) {
     this.count = count;
     this.body.style.height = count * RecordList.ROW + "px";
-    this.viewport.setAttribute("aria-rowcount", String(count));
+    this.viewport.setAttribute("aria-rowcount", String(count + 1));
     this.refresh();
   }
 
@@ -66,7 +67,8 @@ class RecordList {
       row.hidden = false;
       row.className = "row";
       row.setAttribute("role", "row");
-      row.setAttribute("aria-rowindex", String(position + 1));
+      row.setAttribute("aria-rowindex", String(position + 2));
+      row.id = "row-" + position;
       row.dataset.position = String(position);
       row.style.top = position * RecordList.ROW + "px";
       row.replaceChildren();
@@ -77,7 +79,8 @@ class RecordList {
 
   /** Scrolls as little as needed; to the middle where it is far. */
   reveal(position) {
-    const top = position * RecordList.ROW, { scrollTop, clientHeight } = this.viewport;
+    const top = position * RecordList.ROW, { scrollTop } = this.viewport;
+    const clientHeight = this.viewport.clientHeight - RecordList.HEAD;
     const margin = Math.min(RecordList.ROW * 2, clientHeight / 4);
     if (top < scrollTop - clientHeight || top > scrollTop + 2 * clientHeight) {
       this.viewport.scrollTop = top - clientHeight / 2;
@@ -87,6 +90,7 @@ class RecordList {
       this.viewport.scrollTop = top + RecordList.ROW - clientHeight + margin;
     }
     this.render();
+    this.viewport.setAttribute("aria-activedescendant", "row-" + position);
   }
 
   get page() { return Math.max(1, Math.floor(this.viewport.clientHeight / RecordList.ROW) - 2); }

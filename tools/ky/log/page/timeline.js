@@ -33,11 +33,13 @@ class Timeline {
     this.overview = new Surface(elements.overview);
     this.ruler = new Surface(elements.ruler);
     this.lanes = new Surface(elements.lanes);
+    this.scroller = elements.scroller;
     this.on = on;
     this.run = null;
     this.axis = "time";
     this.scheduled = false;
     this.brushing = null;
+    this.top = 0; // how far the lanes are scrolled
     this.listen();
     this.readColours();
   }
@@ -126,6 +128,7 @@ class Timeline {
     this.setView(this.from + by, this.to + by);
   }
   zoomTo(span) {
+    this.on.hover(null);
     const from = this.spanFrom(span), to = this.spanTo(span);
     const margin = Math.max((to - from) * 0.15, this.axis === "time" ? 4 : 3);
     this.setView(from - margin, to + margin);
@@ -135,6 +138,9 @@ class Timeline {
   select(record) {
     this.current = record;
     if (record >= 0) {
+      const top = this.run.thread[record] * LANE, { scrollTop, clientHeight } = this.scroller;
+      if (top < scrollTop) this.scroller.scrollTop = top;
+      if (top + LANE > scrollTop + clientHeight) this.scroller.scrollTop = top + LANE - clientHeight;
       const place = this.place(record), size = this.to - this.from;
       if (place < this.from || place > this.to) return this.setView(place - size / 2, place + size / 2);
     }
@@ -148,12 +154,17 @@ class Timeline {
   }
 
   drawNow() {
-    const threads = this.run.threads;
-    this.lanes.begin(Math.max(1, threads.length) * LANE);
+    const { threads } = this.run;
+    const whole = Math.max(1, threads.length) * LANE;
+    // As tall as what is in sight: for many threads a canvas of all lanes would be too large.
+    const printing = document.documentElement.dataset.print !== undefined;
+    this.lanes.begin(Math.min(whole, printing ? 8000 : Math.max(LANE, Math.floor(0.3 * window.innerHeight))));
+    this.top = Math.min(this.scroller.scrollTop, Math.max(0, whole - this.lanes.height));
     this.drawOverview();
     this.drawRuler();
     this.drawGrid();
-    threads.forEach((thread, lane) => this.drawLane(thread, lane * LANE));
+    const last = Math.min(threads.length, Math.ceil((this.top + this.lanes.height) / LANE));
+    for (let lane = Math.floor(this.top / LANE); lane < last; ++lane) this.drawLane(threads[lane], lane * LANE - this.top);
     this.drawBrush(this.lanes, this.from, this.to, false);
     this.drawCurrent();
   }
@@ -243,7 +254,10 @@ class Timeline {
   drawGrid() {
     const { pen, width, height } = this.lanes;
     pen.fillStyle = this.colours.back;
-    for (let lane = 0; lane < this.run.threads.length; ++lane) pen.fillRect(0, lane * LANE, width, LANE - 2);
+    const count = this.run.threads.length;
+    for (let lane = Math.floor(this.top / LANE); lane < count && lane * LANE < this.top + height; ++lane) {
+      pen.fillRect(0, lane * LANE - this.top, width, LANE - 2);
+    }
     pen.fillStyle = this.colours.line;
     pen.globalAlpha = 0.6;
     for (const place of this.marks().places) pen.fillRect(Math.round(this.x(place)), 0, 1, height);
@@ -354,7 +368,7 @@ class Timeline {
     if (this.current < 0) return;
     const { pen } = this.lanes;
     const x = this.x(this.place(this.current));
-    const top = this.run.thread[this.current] * LANE;
+    const top = this.run.thread[this.current] * LANE - this.top;
     pen.fillStyle = this.colours.text;
     pen.fillRect(Math.round(x), 0, 1, this.lanes.height);
     pen.beginPath();
@@ -366,7 +380,7 @@ class Timeline {
 
   /** The span under the point, or the nearest one within a few pixels. */
   spanAt(x, y) {
-    const thread = this.run.threads[Math.floor(y / LANE)];
+    const thread = this.run.threads[Math.floor((y + this.top) / LANE)];
     if (thread === undefined || thread.spans.length === 0) return null;
     const { spans } = thread;
     const after = lowerBound(spans.length, (i) => this.spanFrom(spans[i]), this.atX(x));
@@ -380,7 +394,7 @@ class Timeline {
   }
 
   recordNear(x, y) {
-    const thread = this.run.threads[Math.floor(y / LANE)];
+    const thread = this.run.threads[Math.floor((y + this.top) / LANE)];
     if (thread === undefined || thread.records.length === 0) return -1;
     const { records } = thread;
     const wanted = this.atX(x);
@@ -391,8 +405,8 @@ class Timeline {
 
   listen() {
     this.listenToLanes(this.lanes.canvas);
-    this.listenToBrush(this.overview.canvas, () => this.whole);
-    this.listenToBrush(this.ruler.canvas, () => [this.from, this.to]);
+    this.listenToBrush(this.overview.canvas, () => [...this.whole, this.overview.width]);
+    this.listenToBrush(this.ruler.canvas, () => [this.from, this.to, this.lanes.width]);
     for (const canvas of [this.overview.canvas, this.ruler.canvas, this.lanes.canvas]) {
       canvas.addEventListener("wheel", (event) => {
         event.preventDefault();
@@ -406,6 +420,8 @@ class Timeline {
       canvas.addEventListener("dblclick", () => { this.on.range(null); this.fit(); });
     }
     new ResizeObserver(() => this.draw()).observe(this.overview.canvas);
+    window.addEventListener("resize", () => this.draw());
+    this.scroller.addEventListener("scroll", () => this.draw(), { passive: true });
   }
 
   listenToLanes(canvas) {
@@ -427,7 +443,7 @@ class Timeline {
     canvas.addEventListener("pointerup", (event) => {
       canvas.classList.remove("dragging");
       if (drag !== null && !drag.moved) {
-        const span = event.offsetY % LANE < TICK_TOP ? this.spanAt(event.offsetX, event.offsetY) : null;
+        const span = (event.offsetY + this.top) % LANE < TICK_TOP ? this.spanAt(event.offsetX, event.offsetY) : null;
         const record = span !== null ? span.first : this.recordNear(event.offsetX, event.offsetY);
         if (record >= 0) this.on.jump(record);
       }
@@ -441,8 +457,8 @@ class Timeline {
   listenToBrush(canvas, bounds) {
     let start = null;
     const placeOf = (event) => {
-      const [from, to] = bounds();
-      return from + Math.max(0, Math.min(1, event.offsetX / canvas.clientWidth)) * (to - from);
+      const [from, to, width] = bounds();
+      return from + Math.max(0, Math.min(1, event.offsetX / width)) * (to - from);
     };
     canvas.addEventListener("pointerdown", (event) => {
       if (event.button !== 0) return;

@@ -25,7 +25,7 @@ class Viewer {
     this.list = new RecordList(byId("viewport"), byId("rows"),
       (row, position) => this.mode === "records" ? this.fillRecord(row, this.rows[position]) : this.fillCommand(row, this.rows[position]),
       { pick: (position, event) => this.pick(position, event.shiftKey), open: () => this.zoomToCommand() });
-    this.timeline = new Timeline({ overview: byId("overview"), ruler: byId("ruler"), lanes: byId("lanes") }, {
+    this.timeline = new Timeline({ overview: byId("overview"), ruler: byId("ruler"), lanes: byId("lanes"), scroller: byId("lanes-scroll") }, {
       jump: (record) => { this.goTo(record); byId("viewport").focus({ preventScroll: true }); },
       range: (range) => { this.filter.range = range; this.refilter(); },
       view: (from, to) => this.tellView(from, to),
@@ -55,11 +55,13 @@ class Viewer {
     byId("label").hidden = this.run.label === "";
     document.title = this.run.name + " – log";
     byId("left-out").hidden = this.run.leftOut === 0;
-    byId("left-out").textContent = `A page takes ${this.data.limit.toLocaleString("en")} records: ` +
-      `the ${plural(this.run.leftOut, "oldest record", "oldest records")} of this run ${this.run.leftOut === 1 ? "is" : "are"} not in it. "ky log read" without --html gives all.`;
+    byId("left-out").textContent = `The log is larger than a page: the oldest ${plural(this.run.leftOut, "record")} of this run ` +
+      `${this.run.leftOut === 1 ? "is" : "are"} left out. "ky log read" without --html gives all.`;
     for (const input of document.querySelectorAll("input[name=axis]")) {
       input.checked = input.value === (this.run.end > this.run.begin ? "time" : "order");
     }
+    const passesMidnight = Math.floor(this.run.begin / DAY) !== Math.floor(this.run.end / DAY);
+    byId("records").style.setProperty("--time-width", passesMidnight ? "108px" : "90px");
     this.showFacts();
     this.showProblems();
     this.timeline.show(this.run, this.filter);
@@ -76,7 +78,7 @@ class Viewer {
     const add = (name, ...value) => facts.append(make("div", {}, make("dt", {}, name), make("dd", {}, ...value)));
     if (run.count > 0) {
       const zone = this.zone();
-      add("Started", (run.dated ? date(run.begin) + " " : "") + clock(run.begin) + (zone === "" ? "" : " " + zone));
+      add(run.leftOut > 0 ? "From" : "Started", (run.dated ? date(run.begin) + " " : "") + clock(run.begin) + (zone === "" ? "" : " " + zone));
       add("Duration", duration(run.end - run.begin));
     }
     add("Records", run.count.toLocaleString("en"));
@@ -99,9 +101,10 @@ class Viewer {
   /** The machine's distance to UTC, where name and first record tell the same moment. */
   zone() {
     const { run } = this;
-    if (run.start === null || !run.dated) return "";
+    if (run.start === null || !run.dated || run.leftOut > 0) return "";
     const minutes = Math.round((run.begin / 1000 - run.start) / 900) * 15;
-    if (Math.abs(minutes) > 14 * 60 || Math.abs(run.begin / 1000 - run.start - minutes * 60) > 120) return "";
+    const apart = Math.abs(run.begin / 1000 - run.start - minutes * 60);
+    if (Math.abs(minutes) > 14 * 60 || Math.abs(minutes) % 60 === 15 || apart > 60) return "";
     return `UTC${minutes < 0 ? "−" : "+"}${pad(Math.floor(Math.abs(minutes) / 60), 2)}:${pad(Math.abs(minutes) % 60, 2)}`;
   }
 
@@ -212,7 +215,7 @@ class Viewer {
 
   codeTag({ code, isExit }, severity) {
     const name = isExit ? undefined : CODE_NAMES.get(code);
-    return make("span", { className: "tag " + (this.isBad({ code, isExit }, severity) ? "bad" : ""), title: this.codeText({ code, isExit }) },
+    return make("span", { className: "tag" + (this.isBad({ code, isExit }, severity) ? " bad" : "") + (name === undefined || code === 0 ? "" : " named"), title: this.codeText({ code, isExit }) },
       `${isExit ? "exit " : ""}${code}${name === undefined || code === 0 ? "" : " " + name}`);
   }
 
@@ -221,7 +224,7 @@ class Viewer {
   fillRecord(row, record) {
     const { run } = this;
     const span = run.spanOf[record] < 0 ? null : run.spans[run.spanOf[record]];
-    const cell = (className, ...content) => row.appendChild(make("span", { className, role: "cell" }, ...content));
+    const cell = (className, ...content) => row.appendChild(make("span", { className, role: "gridcell" }, ...content));
     row.classList.toggle("warning", run.severity[record] === WARNING);
     row.classList.toggle("error", run.severity[record] === ERROR);
     row.classList.toggle("first", span !== null && span.first === record);
@@ -290,7 +293,7 @@ class Viewer {
   fillCommand(row, number) {
     const { run } = this;
     const span = run.spans[number];
-    const cell = (className, ...content) => row.appendChild(make("span", { className, role: "cell" }, ...content));
+    const cell = (className, ...content) => row.appendChild(make("span", { className, role: "gridcell" }, ...content));
     row.classList.toggle("warning", span.severity === WARNING);
     row.classList.toggle("error", span.severity === ERROR);
     row.style.borderLeftColor = this.timeline.stroke(span.command);
@@ -324,6 +327,7 @@ class Viewer {
   showHead() {
     const head = byId("list-head");
     byId("records").className = "list " + this.mode;
+    byId("viewport").setAttribute("aria-label", this.mode === "records" ? "Records" : "Commands");
     head.replaceChildren();
     if (this.mode === "records") {
       for (const [text, className] of [["#", "number right"], ["Time", ""], ["Since last", "delta right"], ["Thread", ""], ["Command", "command"], ["Message", ""]]) {
@@ -777,6 +781,7 @@ class Viewer {
 
 {
   const data = JSON.parse(byId("log-data").textContent);
+  byId("log-data").remove();
   if (data.runs.length === 0) {
     byId("title").textContent = "No records";
   } else {
