@@ -11,7 +11,6 @@ namespace log_tool {
 namespace {
 
 using diagnostics::reader::day_length;
-using diagnostics::reader::Problem;
 using diagnostics::reader::Record;
 
 /// What a thread's first record calls it; the name may hold anything.

@@ -146,6 +146,8 @@ class Run {
       const behind = lowerBound(records.length, (i) => this.offset[records[i]], offset);
       return { kind, file, offset, bytes, text, record: records[Math.max(0, behind - 1)] ?? -1 };
     });
+    this.damage = new Map(); // by the record before it
+    for (const problem of this.problems) if (problem.record >= 0) this.damage.set(problem.record, problem.text);
   }
 
   /** What each command's name adds up to, and a hue for it. */

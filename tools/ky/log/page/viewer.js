@@ -248,6 +248,8 @@ class Viewer {
     const code = run.code.get(record);
     if (code !== undefined) message.append(this.codeTag(code, run.severity[record]));
     if (span !== null && span.first === record) message.append(this.durationTag(span));
+    const damage = run.damage.get(record);
+    if (damage !== undefined) message.append(make("span", { className: "tag bad", title: shown(damage) }, "damage behind"));
   }
 
   durationTag(span) {
