@@ -34,7 +34,7 @@ CLoggerApi::CLoggerApi() : start_time(static_cast<std::uint64_t>(ports::system()
 // No lock: all threads are done.
 CLoggerApi::~CLoggerApi() {
   try {
-    Merge();
+    Merge(thread_files);
   } catch (const std::bad_alloc&) {
     // The thread files stay, each readable by itself.
   }
@@ -155,10 +155,10 @@ void CLoggerApi::WriteHead(ports::LogStream stream) const {
   streams.flush(stream);
 }
 
-void CLoggerApi::Merge() {
+void CLoggerApi::Merge(ThreadFiles& files) const {
   diagnostics::LogMerge merge(diagnostics::log_path(diagnostics::merged_file_name(Run(), merged_name_tag)), Sealed(),
                               wrapped_key);
-  for (auto& [thread, stream] : thread_files) {
+  for (auto& [thread, stream] : files) {
     if (!stream.open()) continue;
     stream.close();
     merge.take(ThreadPath(thread));

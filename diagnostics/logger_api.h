@@ -56,9 +56,10 @@ class CLoggerApi final : public Destroyable<CLoggerApi, ILoggerApi> {
   [[nodiscard]] std::span<const std::uint8_t> EncodeRecord(const diagnostics::TimeStamp& stamp,
                                                            std::wstring_view message, std::vector<std::uint8_t>& iv,
                                                            diagnostics::Scratch<std::uint8_t>& into) const;
-  void Merge();
+  using ThreadFiles = std::map<std::uint32_t, diagnostics::LogStreamOwner>;
+  void Merge(ThreadFiles& files) const;
 
-  std::map<std::uint32_t, diagnostics::LogStreamOwner> thread_files KY_GUARDED_BY(mutex);
+  ThreadFiles thread_files KY_GUARDED_BY(mutex);
   std::wstring label;
   std::wstring merged_name_tag;
   ports::Mutex mutex;

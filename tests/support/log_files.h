@@ -26,17 +26,23 @@ using Bytes = std::vector<std::uint8_t>;
   return diagnostics::private_key_blob(diagnostics::der_in_pem(text, diagnostics::private_key_label));
 }
 
-/// All of a file of the system's; empty where there is none.
-[[nodiscard]] inline Bytes read_whole(const ports::System& system, const std::wstring& path) {
+/// A file of the system's, up to so many bytes; empty where there is none.
+[[nodiscard]] inline Bytes read_begin(const ports::System& system, const std::wstring& path, std::size_t most) {
   const ports::Handle file = system.files.open(path.c_str(), ports::file_access::generic_read, ports::file_share::all,
                                                ports::Disposition::open_existing, 0);
   if (file == ports::Handle::invalid) return {};
   Bytes all;
   Bytes piece(1 << 16);
   std::uint32_t got = 0;
-  while (system.files.read(file, piece, got) && got != 0) all.insert(all.end(), piece.begin(), piece.begin() + got);
+  while (all.size() < most && system.files.read(file, piece, got) && got != 0) {
+    all.insert(all.end(), piece.begin(), piece.begin() + got);
+  }
   system.waits.close(file);
+  if (all.size() > most) all.resize(most);
   return all;
+}
+[[nodiscard]] inline Bytes read_whole(const ports::System& system, const std::wstring& path) {
+  return read_begin(system, path, std::size_t(-1));
 }
 
 /// A sealed log taken apart by nothing but the port: an independent look at its bytes.

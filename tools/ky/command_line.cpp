@@ -137,6 +137,10 @@ class CommandLine {
     app.add_flag("--follow", log_read_.follow, "Show the run of FILE while it goes on, until it ends")
         ->excludes("--by-thread")
         ->excludes("--run");
+    take_name(app, "--html", log_read_.html, "One page for a browser into this file, instead of text")
+        ->excludes("--by-thread")
+        ->excludes("--follow")
+        ->excludes("--json");
     app.parse_complete_callback([this, files] {
       if (log_read_.follow && files->count() > 1) throw CLI::ValidationError("--follow", "takes one FILE");
       choose(log_read_);

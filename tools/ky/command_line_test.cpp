@@ -48,7 +48,8 @@ TEST(CommandLine, EachSubcommandFillsItsOptions) {
   EXPECT_EQ(log.files, (std::vector<std::string>{"a", "b"}));
   EXPECT_EQ(log.key, "k");
   EXPECT_EQ(log.algorithm, "AES");
-  EXPECT_TRUE(log.by_thread && log.json && !log.follow && !log.run);
+  EXPECT_TRUE(log.by_thread && log.json && !log.follow && !log.run && !log.html);
+  EXPECT_EQ(options_of<workbench::LogReadOptions>({"log", "read", "a", "--html", "p"}).html, "p");
 }
 
 TEST(CommandLine, WrongUsageIsOneLineWithAHint) {
@@ -65,6 +66,8 @@ TEST(CommandLine, WrongUsageIsOneLineWithAHint) {
        "ky keys new: The following argument was not expected: b\nTry 'ky keys new --help'.\n"},
       {{"rehearse"}, "ky rehearse: --machine is required\nTry 'ky rehearse --help'.\n"},
       {{"log", "read", "--follow", "a", "b"}, "ky log read: --follow: takes one FILE\nTry 'ky log read --help'.\n"},
+      {{"log", "read", "a", "--html", "p", "--json"},
+       "ky log read: --json excludes --html\nTry 'ky log read --help'.\n"},
       {{"rehearse", "--machine", "m", "/silent"},
        "ky rehearse: The following argument was not expected: /silent\nTry 'ky rehearse --help'.\n"},
   };

@@ -67,6 +67,7 @@ struct RunOptions {
 };
 
 /// `ky log read FILE... [--key private.pem] [--algorithm NAME] [--run] [--by-thread | --follow] [--json]`
+/// and `ky log read FILE... [...] --html OUT`
 struct LogReadOptions {
   std::vector<std::string> files;  // at least one; with `follow` one
   std::optional<std::string> key;
@@ -75,6 +76,7 @@ struct LogReadOptions {
   bool by_thread = false;  // no timeline
   bool follow = false;
   bool json = false;
+  std::optional<std::string> html = std::nullopt;  // where one page goes; with none of the three before
 };
 
 using Options = std::variant<KeysNewOptions, ScriptCompileOptions, ScriptDecompileOptions, ScriptCheckOptions,

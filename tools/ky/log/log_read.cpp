@@ -1,5 +1,6 @@
 #include "tools/ky/log/log_read.h"
 
+#include <algorithm>
 #include <chrono>
 #include <functional>
 #include <memory>
@@ -8,11 +9,13 @@
 
 #include "diagnostics/reader/follower.h"
 #include "diagnostics/reader/log_reader.h"
+#include "diagnostics/reader/run_names.h"
 #include "installer/utils/base/strings/utf8.h"
 #include "platform/desk/desk.h"
 #include "tools/ky/bad_input.h"
 #include "tools/ky/desk_engines.h"
 #include "tools/ky/log/output_sinks.h"
+#include "tools/ky/log/page_sink.h"
 #include "tools/ky/log/private_key.h"
 
 namespace log_tool {
@@ -87,6 +90,19 @@ void read_showing(const LogReadOptions& options, reader::RecordSink& sink, const
   }
 }
 
+int write_page(const LogReadOptions& options, std::ostream& err) {
+  const std::vector<std::string> logs = paths_of(options);
+  if (reader::parse_log_name(desk::place_of(*options.html).name) ||
+      std::find(logs.begin(), logs.end(), *options.html) != logs.end()) {
+    throw BadInput(*options.html + ": no page is written over a log");
+  }
+  PageSink sink(err);
+  read_into(options, sink);
+  const std::string refusal = desk::write_file(*options.html, sink.page());
+  if (!refusal.empty()) throw BadInput(refusal);
+  return sink.problems() == 0 ? 0 : 1;
+}
+
 }  // namespace
 
 void read_into(const LogReadOptions& options, reader::RecordSink& sink) {
@@ -94,6 +110,7 @@ void read_into(const LogReadOptions& options, reader::RecordSink& sink) {
 }
 
 int log_read(const LogReadOptions& options, std::ostream& out, std::ostream& err) {
+  if (options.html) return write_page(options, err);
   const bool several = options.files.size() > 1 || desk::is_folder(options.files.front());
   std::unique_ptr<OutputSink> sink;
   if (options.json) {

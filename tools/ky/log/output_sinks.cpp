@@ -17,6 +17,13 @@ using diagnostics::reader::Record;
 
 constexpr std::size_t piece = 65536;
 
+void append_field(std::string& to, const char* before, std::string_view utf8) {
+  to += before;
+  append_json(to, base::strings::to_wide(utf8));
+}
+
+}  // namespace
+
 const char* name_of(ProblemKind kind) {
   switch (kind) {
     case ProblemKind::note:
@@ -40,13 +47,6 @@ const char* name_of(ProblemKind kind) {
   }
   return "file";
 }
-
-void append_field(std::string& to, const char* before, std::string_view utf8) {
-  to += before;
-  append_json(to, base::strings::to_wide(utf8));
-}
-
-}  // namespace
 
 void OutputSink::problem(const Problem& problem) {
   if (problem.kind != ProblemKind::note) ++problems_;

@@ -8,6 +8,9 @@
 
 namespace log_tool {
 
+/// What tools know the kind by.
+[[nodiscard]] const char* name_of(diagnostics::reader::ProblemKind kind);
+
 /// What both outputs of `ky log read` share: records are written to one stream in large pieces, problems to the other,
 /// in order as far as two streams have one.
 class OutputSink : public diagnostics::reader::RecordSink {

@@ -69,10 +69,14 @@ void append_shown(std::string& to, std::wstring_view text, std::size_t indent) {
   });
 }
 
-void append_json(std::string& to, std::wstring_view text) {
+namespace {
+
+/// Of units that `escaped` picks, too, no more is written than their number.
+template <class Escaped>
+void append_json_but(std::string& to, std::wstring_view text, Escaped escaped) {
   to.push_back('"');
-  const auto special = [](wchar_t unit) {
-    return is_control(unit) || is_surrogate(unit) || unit == L'"' || unit == L'\\';
+  const auto special = [&](wchar_t unit) {
+    return is_control(unit) || is_surrogate(unit) || unit == L'"' || unit == L'\\' || escaped(unit);
   };
   append_escaped(to, text, special, [&](std::size_t at) {
     const auto unit = static_cast<unsigned>(text[at]);
@@ -90,6 +94,18 @@ void append_json(std::string& to, std::wstring_view text) {
     return std::size_t{1};
   });
   to.push_back('"');
+}
+
+}  // namespace
+
+void append_json(std::string& to, std::wstring_view text) {
+  append_json_but(to, text, [](wchar_t) { return false; });
+}
+
+void append_script_json(std::string& to, std::wstring_view text) {
+  append_json_but(to, text, [](wchar_t unit) {
+    return unit == L'<' || unit == L'>' || unit == L'&' || unit == 0x2028 || unit == 0x2029;
+  });
 }
 
 }  // namespace log_tool

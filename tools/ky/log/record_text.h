@@ -19,5 +19,7 @@ void append_shown(std::string& to, std::wstring_view text, std::size_t indent);
 
 /// A text as a JSON string with its quotation marks. Unpaired surrogates are escaped, and so come through.
 void append_json(std::string& to, std::wstring_view text);
+/// The same for a script element of a page: nothing in it can end the element or pass for markup.
+void append_script_json(std::string& to, std::wstring_view text);
 
 }  // namespace log_tool
