@@ -81,7 +81,7 @@ TEST_F(LogPage, NoMessageLeavesItsElementAndNothingComesFromOutside) {
   for (const char* outside : {"http:", "https:", "src=", "href=", "@import", "url(", "fetch(", "innerHTML", "eval("}) {
     EXPECT_EQ(count(rest, outside), 0U) << outside;
   }
-  for (const char* mark : {"@STYLE@", "@DATA@", "@MODEL@", "@TIMELINE@", "@LIST@", "@VIEWER@"}) {
+  for (const char* mark : {"@STYLE@", "@DATA@", "@MODEL@", "@TIMELINE@", "@LIST@", "@ROWS@", "@PANELS@", "@VIEWER@"}) {
     EXPECT_EQ(count(rest, mark), 0U) << mark;
   }
 }

@@ -19,9 +19,10 @@ std::string assemble(std::string_view data) {
   const struct {
     std::string_view mark;
     std::string_view part;
-  } parts[] = {{"@STYLE@\n", page_parts::style()}, {"@DATA@", data},
-               {"@MODEL@\n", page_parts::model()}, {"@TIMELINE@\n", page_parts::timeline()},
-               {"@LIST@\n", page_parts::list()},   {"@VIEWER@\n", page_parts::viewer()}};
+  } parts[] = {{"@STYLE@\n", page_parts::style()},   {"@DATA@", data},
+               {"@MODEL@\n", page_parts::model()},   {"@TIMELINE@\n", page_parts::timeline()},
+               {"@LIST@\n", page_parts::list()},     {"@ROWS@\n", page_parts::rows()},
+               {"@PANELS@\n", page_parts::panels()}, {"@VIEWER@\n", page_parts::viewer()}};
   std::string_view rest = page_parts::document();
   std::string page;
   page.reserve(data.size() + 200'000);
