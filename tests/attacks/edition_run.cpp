@@ -34,7 +34,12 @@ const char* told(host::RunEnd end) {
   return "?";
 }
 
-/// Runs the script and releases all; a command's guard that is still held is a fault.
+/// Commands that are meant to run once keep their guard.
+bool keeps_guard(const std::string& name) {
+  return name == "CrashHandler" || name == "Logger";
+}
+
+/// Runs the script and releases all; any other command's guard that is still held is a fault.
 std::string run_session(const ports::System& system) {
   class Nobody final : public host::RunObserver {};
   const host::TableFactories library(ky::library::factories());
@@ -48,9 +53,12 @@ std::string run_session(const ports::System& system) {
   Nobody nobody;
   std::string ending = told(session.run(nobody).end);
   for (const host::ProgramStep& step : session.program().steps()) {
-    if (step.command->GuardHeld()) ending += " !! guard held: " + step.name;
+    if (step.command->GuardHeld() && !keeps_guard(step.name)) ending += " !! guard held: " + step.name;
   }
+  // The script's own log takes its place, and nobody releases what another log replaced.
+  const bool replaced = session.store().get(ky::keys::SelfFree_LoggerApi.name) != ky::ToStored(log);
   session.release();
+  if (replaced) ky::Release(log);
   return ending + ", return code " + (session.return_code() == 0 ? "0" : "not 0");
 }
 
