@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
 #include <utility>
 
 namespace machine {
@@ -33,6 +34,10 @@ ThreadId Scheduler::member() {
 }
 
 Milliseconds Scheduler::now() {
+  if (options_.pace == Pace::real) {
+    // As long as nothing is due, the time is all there is to know, and it takes no lock.
+    if (const Milliseconds real = elapsed(); real < quiet_until_) return real;
+  }
   const bool may_yield = ports::locks_held == 0;
   const ports::Lock lock(mutex_);
   spin(may_yield);
@@ -140,8 +145,12 @@ void Scheduler::spin(bool may_yield) {
 
 void Scheduler::catch_up() {
   if (options_.pace != Pace::real) return;
+  core_.advance(elapsed());
+}
+
+Milliseconds Scheduler::elapsed() const {
   const auto real = std::chrono::steady_clock::now() - begin_;
-  core_.advance(static_cast<Milliseconds>(std::chrono::duration_cast<std::chrono::milliseconds>(real).count()));
+  return static_cast<Milliseconds>(std::chrono::duration_cast<std::chrono::milliseconds>(real).count());
 }
 
 // Follows every change: decides who runs and wakes the real threads.
@@ -152,8 +161,11 @@ void Scheduler::settle() {
     core_.dispatch();
   }
   for (const ThreadId id : core_.take_granted()) members_.at(id).condition.notify_one();
-  if (options_.pace != Pace::real || next_due_ == core_.next_due()) return;
-  next_due_ = core_.next_due();
+  if (options_.pace != Pace::real) return;
+  const std::optional<Milliseconds> next = core_.next_due();
+  quiet_until_ = next.value_or(std::numeric_limits<Milliseconds>::max());
+  if (next_due_ == next) return;
+  next_due_ = next;
   for (auto& [id, member] : members_) member.condition.notify_one();
 }
 

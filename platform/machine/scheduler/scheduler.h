@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -129,6 +130,7 @@ class Scheduler {
   void block(ThreadId id) KY_REQUIRES(mutex_);
   void spin(bool may_yield) KY_REQUIRES(mutex_);
   void catch_up() KY_REQUIRES(mutex_);
+  [[nodiscard]] Milliseconds elapsed() const;
   void settle() KY_REQUIRES(mutex_);
   void handle_stall() KY_REQUIRES(mutex_);
   void end_started() KY_REQUIRES(mutex_);
@@ -143,6 +145,7 @@ class Scheduler {
   std::vector<std::thread> ended_ KY_GUARDED_BY(mutex_);
   std::size_t entered_ KY_GUARDED_BY(mutex_) = 0;
   std::optional<Milliseconds> next_due_ KY_GUARDED_BY(mutex_);
+  std::atomic<Milliseconds> quiet_until_{0};  // when something is due next, at the real pace
   bool stalling_ KY_GUARDED_BY(mutex_) = false;
   std::size_t stalls_ KY_GUARDED_BY(mutex_) = 0;
   std::optional<std::wstring> first_stall_ KY_GUARDED_BY(mutex_);
