@@ -61,7 +61,8 @@ TEST_F(LogFollower, RecordsComeAsTheyAreWrittenUntilTheRunIsMerged) {
   write("a.7.kyinstall.v2.bin", maker_.header() + one + more + two + three);
   remove("a.7.1.v2.bin");
   remove("a.7.2.v2.bin");
-  EXPECT_FALSE(follower.poll());
+  // Wine keeps the name of a removed file until its reader lets go; the follower's patience ends all the same.
+  for (int polls = 0; follower.poll(); ++polls) ASSERT_LT(polls, 100);
   EXPECT_EQ(fresh(), "1 more2|3 =====|3 three|");
   EXPECT_EQ(sink_.told(), "");
 }

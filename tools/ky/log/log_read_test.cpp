@@ -4,10 +4,12 @@
 
 #include <sstream>
 
+#include "installer/utils/base/strings/utf8.h"
 #include "platform/desk/desk.h"
 #include "tests/support/log_maker.h"
 #include "tests/support/temporary_folder.h"
 #include "tools/ky/bad_input.h"
+#include "tools/ky/log/record_text.h"
 
 namespace {
 
@@ -54,15 +56,18 @@ TEST_F(LogRead, JsonLosesNothingAndHoldsTheProblemsToo) {
   workbench::LogReadOptions options{{path}, key_};
   options.json = true;
   EXPECT_EQ(read(options), 1);
-  EXPECT_EQ(out_, "{\"run\":\"s.7\",\"file\":\"" + path +
+  std::string shown;
+  log_tool::append_json(shown, base::strings::to_wide(path));
+  shown = shown.substr(1, shown.size() - 2);
+  EXPECT_EQ(out_, "{\"run\":\"s.7\",\"file\":\"" + shown +
                       "\",\"offset\":132,\"thread\":4,\"date\":\"2025-11-14\",\"time\":\"08:00:00.000\",\"message\":"
                       "\"=========== Started logging for thread 4 (test) on 14.11.2025 ===========\"}\n"
                       "{\"run\":\"s.7\",\"file\":\"" +
-                      path +
+                      shown +
                       "\",\"offset\":328,\"thread\":4,\"date\":\"2025-11-14\",\"time\":\"08:00:01.050\",\"message\":"
                       "\"\\\"\\\\\\u0009\\ud800 \xF0\x9F\x98\x80 \xE6\x97\xA5\\u001b\"}\n"
                       "{\"problem\":\"cut-short\",\"file\":\"" +
-                      path +
+                      shown +
                       "\",\"offset\":396,\"bytes\":3,\"text\":\"cut short: the last 3 bytes are no whole record\"}\n");
   EXPECT_EQ(err_, path + ": offset 396: cut short: the last 3 bytes are no whole record\n");
 }
