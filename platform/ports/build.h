@@ -6,8 +6,8 @@
 
 namespace ports {
 
-/// The engines of this build: MSXML, CryptoAPI and CNG, or pugixml and OpenSSL. They tell their failures to the `Errors`
-/// that they were made with, so that they serve a machine as well as the real world.
+/// The engines of this build: MSXML, CryptoAPI and CNG, or pugixml and OpenSSL. They tell their failures to the
+/// `Errors` that they were made with, so that they serve a machine as well as the real world.
 class Engines {
  public:
   virtual ~Engines() = default;

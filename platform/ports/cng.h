@@ -79,11 +79,10 @@ class Cng {
   [[nodiscard]] virtual Status encrypt(CngKey key, std::span<const std::uint8_t> plain, std::span<std::uint8_t> iv,
                                        std::span<std::uint8_t> into, std::uint32_t& size, std::uint32_t padding) = 0;
 
-  /// BCryptDecrypt, the inverse, also in place. `into` has the cipher's length; with an empty one it tells a size that is
-  /// enough.
-  /// Fails where the padding is wrong or the length is no whole number of blocks. With cng_padding::none a symmetric
-  /// key deciphers all blocks and leaves what may be padding in place. An RSA key that is not the right one fails or
-  /// gives other bytes.
+  /// BCryptDecrypt, the inverse, also in place. `into` has the cipher's length; with an empty one it tells a size that
+  /// is enough. Fails where the padding is wrong or the length is no whole number of blocks. With cng_padding::none a
+  /// symmetric key deciphers all blocks and leaves what may be padding in place. An RSA key that is not the right one
+  /// fails or gives other bytes.
   [[nodiscard]] virtual Status decrypt(CngKey key, std::span<const std::uint8_t> cipher, std::span<std::uint8_t> iv,
                                        std::span<std::uint8_t> into, std::uint32_t& size, std::uint32_t padding) = 0;
 
