@@ -18,6 +18,7 @@
 #include "platform/machine/files.h"
 #include "platform/machine/handles.h"
 #include "platform/machine/ids.h"
+#include "platform/machine/inspection.h"
 #include "platform/machine/log_streams.h"
 #include "platform/machine/modules.h"
 #include "platform/machine/named_objects.h"
@@ -25,9 +26,11 @@
 #include "platform/machine/registry.h"
 #include "platform/machine/resources.h"
 #include "platform/machine/scheduler/scheduler.h"
+#include "platform/machine/signatures.h"
 #include "platform/machine/state.h"
 #include "platform/machine/termination.h"
 #include "platform/machine/threads.h"
+#include "platform/machine/tokens.h"
 #include "platform/machine/waits.h"
 #include "platform/machine/winapi.h"
 #include "platform/ports/system.h"
@@ -122,6 +125,9 @@ class Machine {
   Crashes crashes_;
   Registry registry_;
   Processes processes_;
+  Inspection inspection_;
+  Tokens tokens_;
+  Signatures signatures_;
   Modules modules_;
   Resources resources_;
   Environment environment_;

@@ -17,10 +17,7 @@ struct Recorder::Parts {
         log_streams(inner, ledger),
         registry(inner, ledger),
         processes(inner, ledger),
-        outer{inner.errors,      inner.clock,     inner.threads, waits,           files,
-              registry,          processes,       inner.modules, inner.resources, inner.environment,
-              inner.termination, inner.text,      log_streams,   inner.crashes,   inner.winapi,
-              inner.cipher,      inner.key_maker, inner.xml,     inner.cng,       inner.own_module} {}
+        outer(ports::with(inner, waits, files, log_streams, registry, processes)) {}
 
   const ports::System inner;
   Ledger ledger;

@@ -73,7 +73,7 @@ int rehearse(const RehearseOptions& options, std::ostream& out, std::ostream& er
   ports::System system = world->system(*engines);
   rehearsal::NotingCng cng(system.cng);
   rehearsal::SwitchedEnvironment environment(system.environment, options.switches);
-  rehearsal::ScriptRun run(rehearsal::with(system, environment, system.termination, cng));
+  rehearsal::ScriptRun run(ports::with(system, environment, cng));
   rehearsal::OutputFolder folder(options.out);
   rehearsal::Report report("Rehearsal of " + source.title + " on " + options.machine, folder, out, err);
   report.read_log_by([&](const rehearsal::Outcome& outcome) -> std::optional<std::string> {
