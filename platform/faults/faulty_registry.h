@@ -40,6 +40,26 @@ class FaultyRegistry final : public Faulty<ports::Registry> {
   ports::ErrorCode remove(ports::RegistryKey key) override {
     return answer(Operation::registry_remove, [&] { return inner_.remove(key); });
   }
+  ports::ErrorCode subkey_within(ports::RegistryKey key, std::uint32_t position, std::uint32_t room,
+                                 std::wstring& name) override {
+    return answer(Operation::registry_subkey_within, [&] { return inner_.subkey_within(key, position, room, name); });
+  }
+  ports::ErrorCode information(ports::RegistryKey key, ports::KeyInformation& out) override {
+    return answer(Operation::registry_information, [&] { return inner_.information(key, out); });
+  }
+  ports::ErrorCode get_text(ports::RegistryKey key, const wchar_t* subkey, const wchar_t* name, std::span<wchar_t> into,
+                            std::uint32_t& size) override {
+    return answer(Operation::registry_get_text, [&] { return inner_.get_text(key, subkey, name, into, size); });
+  }
+  ports::ErrorCode remove_tree(ports::RegistryKey key, const wchar_t* subkey) override {
+    return answer(Operation::registry_remove_tree, [&] { return inner_.remove_tree(key, subkey); });
+  }
+  ports::ErrorCode load_hive(ports::RegistryKey key, const wchar_t* name, const wchar_t* file) override {
+    return answer(Operation::registry_load_hive, [&] { return inner_.load_hive(key, name, file); });
+  }
+  ports::ErrorCode unload_hive(ports::RegistryKey key, const wchar_t* name) override {
+    return answer(Operation::registry_unload_hive, [&] { return inner_.unload_hive(key, name); });
+  }
 };
 
 }  // namespace faults

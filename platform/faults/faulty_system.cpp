@@ -5,6 +5,7 @@
 #include "platform/faults/faulty_files.h"
 #include "platform/faults/faulty_inspection.h"
 #include "platform/faults/faulty_registry.h"
+#include "platform/faults/faulty_services.h"
 #include "platform/faults/faulty_world.h"
 
 namespace faults {
@@ -30,8 +31,12 @@ struct FaultySystem::Ports {
         inspection(inner.inspection, gate, inner.errors),
         tokens(inner.tokens, gate, inner.errors),
         signatures(inner.signatures, gate, inner.errors),
-        system(ports::with(inner, threads, waits, files, registry, processes, inspection, tokens, signatures, modules,
-                           resources, environment, text, log_streams, crashes, winapi, cipher, key_maker, xml, cng)) {}
+        com(inner.com, gate, inner.errors),
+        tasks(inner.tasks, gate, inner.errors),
+        drivers(inner.drivers, gate, inner.errors),
+        system(ports::with(inner, threads, waits, files, registry, processes, inspection, tokens, signatures, com,
+                           tasks, drivers, modules, resources, environment, text, log_streams, crashes, winapi, cipher,
+                           key_maker, xml, cng)) {}
 
   Gate gate;
   FaultyThreads threads;
@@ -53,6 +58,9 @@ struct FaultySystem::Ports {
   FaultyInspection inspection;
   FaultyTokens tokens;
   FaultySignatures signatures;
+  FaultyCom com;
+  FaultyTaskScheduler tasks;
+  FaultyDriverStore drivers;
   ports::System system;
 };
 

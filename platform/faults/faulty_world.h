@@ -33,10 +33,6 @@ class FaultyProcesses final : public Faulty<ports::Processes> {
   bool shell_execute(const ports::ShellRequest& request, ports::Handle& process) override {
     return ask(Operation::processes_shell_execute, false, [&] { return inner_.shell_execute(request, process); });
   }
-  ports::Result initialize_com() override {
-    return answer(Operation::processes_initialize_com, [&] { return inner_.initialize_com(); });
-  }
-  void uninitialize_com() override { inner_.uninitialize_com(); }
   ports::Result find_desktop(ports::DesktopShell& out) override {
     return answer(Operation::processes_find_desktop, [&] { return inner_.find_desktop(out); });
   }

@@ -14,9 +14,14 @@ constexpr ports::ErrorCode result_fail = static_cast<ports::ErrorCode>(fail);
 constexpr ports::ErrorCode result_no_memory = static_cast<ports::ErrorCode>(no_memory);
 constexpr ports::ErrorCode result_class_not_registered = static_cast<ports::ErrorCode>(class_not_registered);
 
+constexpr ports::ErrorCode result_changed_mode = static_cast<ports::ErrorCode>(changed_mode);
+constexpr ports::ErrorCode result_security_too_late = static_cast<ports::ErrorCode>(security_too_late);
+constexpr ports::ErrorCode result_access_denied = static_cast<ports::ErrorCode>(as_result(access_denied));
+constexpr ports::ErrorCode result_file_not_found = static_cast<ports::ErrorCode>(as_result(file_not_found));
 constexpr ports::ErrorCode result_untrusted_root = static_cast<ports::ErrorCode>(ports::trust::untrusted_root);
 constexpr ports::ErrorCode result_bad_digest = static_cast<ports::ErrorCode>(ports::trust::bad_digest);
-constexpr ports::ErrorCode result_subject_not_trusted = static_cast<ports::ErrorCode>(ports::trust::subject_not_trusted);
+constexpr ports::ErrorCode result_subject_not_trusted =
+    static_cast<ports::ErrorCode>(ports::trust::subject_not_trusted);
 
 constexpr ports::ErrorCode status_access_denied = static_cast<ports::ErrorCode>(ports::status::access_denied);
 constexpr ports::ErrorCode status_entry_point_not_found =

@@ -49,13 +49,23 @@
   OPERATION(registry_set, "registry.set", access_denied, invalid_handle, key_deleted) \
   OPERATION(registry_remove_value, "registry.remove_value", access_denied, file_not_found, invalid_handle, \
             key_deleted) \
+  OPERATION(registry_subkey_within, "registry.subkey_within", access_denied, no_more_items, more_data, \
+            invalid_handle, key_deleted) \
+  OPERATION(registry_information, "registry.information", access_denied, invalid_handle, key_deleted) \
+  OPERATION(registry_get_text, "registry.get_text", file_not_found, unsupported_type, more_data, access_denied, \
+            invalid_handle) \
+  OPERATION(registry_remove_tree, "registry.remove_tree", access_denied, file_not_found, key_has_children, \
+            invalid_handle) \
+  OPERATION(registry_load_hive, "registry.load_hive", sharing_violation, file_not_found, bad_database, \
+            already_exists, privilege_not_held, access_denied) \
+  OPERATION(registry_unload_hive, "registry.unload_hive", access_denied, file_not_found, privilege_not_held, \
+            invalid_parameter) \
   OPERATION(registry_remove, "registry.remove", access_denied, invalid_handle, key_deleted) \
   OPERATION(processes_create, "processes.create", file_not_found, directory_name_invalid, bad_exe_format, \
             access_denied, elevation_required) \
   OPERATION(processes_exit_code, "processes.exit_code", invalid_handle, access_denied) \
   OPERATION(processes_terminate, "processes.terminate", access_denied, invalid_handle) \
   OPERATION(processes_shell_execute, "processes.shell_execute", file_not_found, access_denied, cancelled) \
-  OPERATION(processes_initialize_com, "processes.initialize_com", result_fail, result_no_memory) \
   OPERATION(processes_find_desktop, "processes.find_desktop", result_fail, result_class_not_registered) \
   OPERATION(processes_execute_on_desktop, "processes.execute_on_desktop", result_fail, result_no_memory) \
   OPERATION(inspection_snapshot, "inspection.snapshot", access_denied, not_enough_memory) \
@@ -78,6 +88,15 @@
   OPERATION(signatures_signer_info, "signatures.signer_info", more_data, not_enough_memory) \
   OPERATION(signatures_find_certificate, "signatures.find_certificate", certificate_not_found, not_enough_memory) \
   OPERATION(signatures_serial_number, "signatures.serial_number", invalid_data) \
+  OPERATION(com_initialize, "com.initialize", result_fail, result_no_memory, result_changed_mode) \
+  OPERATION(com_initialize_security, "com.initialize_security", result_fail, result_security_too_late) \
+  OPERATION(tasks_create_service, "tasks.create_service", result_class_not_registered, result_no_memory) \
+  OPERATION(tasks_connect, "tasks.connect", result_access_denied, result_fail) \
+  OPERATION(tasks_folder, "tasks.folder", result_file_not_found, result_access_denied) \
+  OPERATION(tasks_task, "tasks.task", result_file_not_found, result_access_denied) \
+  OPERATION(tasks_name, "tasks.name", result_no_memory, result_fail) \
+  OPERATION(tasks_remove, "tasks.remove", result_access_denied, result_file_not_found) \
+  OPERATION(drivers_inf_location, "drivers.inf_location", not_found, file_not_found, insufficient_buffer) \
   OPERATION(modules_procedure, "modules.procedure", procedure_not_found) \
   OPERATION(modules_load, "modules.load", module_not_found, bad_exe_format, dll_init_failed) \
   OPERATION(modules_free, "modules.free", invalid_handle) \

@@ -11,8 +11,10 @@
 
 #include "platform/machine/clock.h"
 #include "platform/machine/code_pages.h"
+#include "platform/machine/com.h"
 #include "platform/machine/crashes.h"
 #include "platform/machine/desk_copies.h"
+#include "platform/machine/driver_store.h"
 #include "platform/machine/environment.h"
 #include "platform/machine/errors.h"
 #include "platform/machine/files.h"
@@ -28,6 +30,7 @@
 #include "platform/machine/scheduler/scheduler.h"
 #include "platform/machine/signatures.h"
 #include "platform/machine/state.h"
+#include "platform/machine/task_scheduler.h"
 #include "platform/machine/termination.h"
 #include "platform/machine/threads.h"
 #include "platform/machine/tokens.h"
@@ -95,6 +98,7 @@ class Machine {
   [[nodiscard]] Files& files() { return files_; }
   [[nodiscard]] Registry& registry() { return registry_; }
   [[nodiscard]] Processes& processes() { return processes_; }
+  [[nodiscard]] Com& com() { return com_; }
   [[nodiscard]] Modules& modules() { return modules_; }
   [[nodiscard]] Resources& resources() { return resources_; }
   [[nodiscard]] Environment& environment() { return environment_; }
@@ -124,7 +128,10 @@ class Machine {
   LogStreams log_streams_;
   Crashes crashes_;
   Registry registry_;
+  Com com_;
   Processes processes_;
+  TaskScheduler tasks_;
+  DriverStore drivers_;
   Inspection inspection_;
   Tokens tokens_;
   Signatures signatures_;

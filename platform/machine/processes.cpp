@@ -4,6 +4,7 @@
 #include <optional>
 #include <utility>
 
+#include "platform/machine/com.h"
 #include "platform/machine/file_lookup.h"
 #include "platform/machine/handles.h"
 #include "platform/machine/ids.h"
@@ -19,7 +20,6 @@ using ports::Handle;
 
 namespace {
 constexpr std::uint32_t still_running = 259;
-constexpr auto com_not_initialized = static_cast<ports::Result>(0x800401F0);
 }  // namespace
 
 /// A started program. Its facts are under the world's lock.
@@ -76,8 +76,15 @@ void signal_end(Core& core, const RunningProcess& process) {
 
 }  // namespace
 
-Processes::Processes(World& world, HandleTable& handles, Scheduler& scheduler, Ids& ids, ports::Errors& errors)
-    : world_(world), handles_(handles), scheduler_(scheduler), ids_(ids), errors_(errors), own_id_(ids.take()) {}
+Processes::Processes(World& world, HandleTable& handles, Scheduler& scheduler, Ids& ids, ports::Errors& errors,
+                     const Com& com)
+    : world_(world),
+      handles_(handles),
+      scheduler_(scheduler),
+      ids_(ids),
+      errors_(errors),
+      com_(com),
+      own_id_(ids.take()) {}
 
 bool Processes::fail(ErrorCode error) {
   errors_.set_last(error);
@@ -194,22 +201,8 @@ bool Processes::shell_execute(const ports::ShellRequest& request, Handle& proces
   return true;
 }
 
-ports::Result Processes::initialize_com() {
-  const ports::Lock lock(com_mutex_);
-  return ++com_[std::this_thread::get_id()] == 1 ? code::ok : code::nothing;
-}
-
-void Processes::uninitialize_com() {
-  const ports::Lock lock(com_mutex_);
-  const auto found = com_.find(std::this_thread::get_id());
-  if (found != com_.end() && --found->second == 0) com_.erase(found);
-}
-
 ports::Result Processes::find_desktop(ports::DesktopShell& out) {
-  {
-    const ports::Lock lock(com_mutex_);
-    if (com_.count(std::this_thread::get_id()) == 0) return com_not_initialized;
-  }
+  if (!com_.initialized()) return code::not_initialized;
   const ports::Lock lock(world_.mutex);
   if (!world_.state.environment.desktop) return code::fail;
   out = ports::DesktopShell{1};

@@ -1,8 +1,5 @@
 #pragma once
 
-#include <map>
-#include <thread>
-
 #include "platform/machine/images.h"
 #include "platform/machine/state.h"
 #include "platform/ports/processes.h"
@@ -13,6 +10,7 @@ class Errors;
 
 namespace machine {
 
+class Com;
 class HandleTable;
 class Ids;
 class RunningProcess;
@@ -22,7 +20,7 @@ class Scheduler;
 /// machine it does at its end.
 class Processes final : public ports::Processes {
  public:
-  Processes(World& world, HandleTable& handles, Scheduler& scheduler, Ids& ids, ports::Errors& errors);
+  Processes(World& world, HandleTable& handles, Scheduler& scheduler, Ids& ids, ports::Errors& errors, const Com& com);
 
   [[nodiscard]] bool create(const wchar_t* command_line, const wchar_t* directory, std::uint32_t flags,
                             ports::CreatedProcess& out) override;
@@ -30,8 +28,6 @@ class Processes final : public ports::Processes {
   bool terminate(ports::Handle process, std::uint32_t exit_code) override;
   [[nodiscard]] std::uint32_t current_id() override { return own_id_; }
   [[nodiscard]] bool shell_execute(const ports::ShellRequest& request, ports::Handle& process) override;
-  [[nodiscard]] ports::Result initialize_com() override;
-  void uninitialize_com() override;
   [[nodiscard]] ports::Result find_desktop(ports::DesktopShell& out) override;
   void release_desktop(ports::DesktopShell desktop) override;
   [[nodiscard]] ports::Result execute_on_desktop(ports::DesktopShell desktop, const wchar_t* file,
@@ -53,9 +49,8 @@ class Processes final : public ports::Processes {
   Scheduler& scheduler_;
   Ids& ids_;
   ports::Errors& errors_;
+  const Com& com_;
   const std::uint32_t own_id_;
-  ports::Mutex com_mutex_;
-  std::map<std::thread::id, std::uint32_t> com_ KY_GUARDED_BY(com_mutex_);
 };
 
 }  // namespace machine

@@ -126,9 +126,9 @@ TEST_F(MachineProcesses, RefusalsHaveTheSystemsCodes) {
   EXPECT_EQ(shell, ports::Handle::null);
   ports::DesktopShell desktop = ports::DesktopShell::null;
   EXPECT_LT(processes.find_desktop(desktop), 0);
-  EXPECT_EQ(processes.initialize_com(), code::ok);
+  EXPECT_EQ(machine->com().initialize(ports::ComModel::apartment_threaded), code::ok);
   EXPECT_EQ(processes.find_desktop(desktop), code::fail);
-  processes.uninitialize_com();
+  machine->com().uninitialize();
 }
 
 }  // namespace

@@ -26,6 +26,14 @@ class Registry final : public ports::Registry {
                                      const ports::RegistryValue& value) override;
   [[nodiscard]] ports::ErrorCode remove_value(ports::RegistryKey key, const wchar_t* name) override;
   [[nodiscard]] ports::ErrorCode remove(ports::RegistryKey key) override;
+  [[nodiscard]] ports::ErrorCode subkey_within(ports::RegistryKey key, std::uint32_t position, std::uint32_t room,
+                                               std::wstring& name) override;
+  [[nodiscard]] ports::ErrorCode information(ports::RegistryKey key, ports::KeyInformation& out) override;
+  [[nodiscard]] ports::ErrorCode get_text(ports::RegistryKey key, const wchar_t* subkey, const wchar_t* name,
+                                          std::span<wchar_t> into, std::uint32_t& size) override;
+  [[nodiscard]] ports::ErrorCode remove_tree(ports::RegistryKey key, const wchar_t* subkey) override;
+  [[nodiscard]] ports::ErrorCode load_hive(ports::RegistryKey key, const wchar_t* name, const wchar_t* file) override;
+  [[nodiscard]] ports::ErrorCode unload_hive(ports::RegistryKey key, const wchar_t* name) override;
 
   /// How many keys are open; a test's leak check.
   [[nodiscard]] std::size_t open_keys();

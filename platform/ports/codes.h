@@ -63,14 +63,22 @@ inline constexpr ErrorCode resource_name_not_found = 1814;
 inline constexpr ErrorCode not_a_reparse_point = 4390;
 inline constexpr ErrorCode certificate_not_found = 0x80092004;  // CRYPT_E_NOT_FOUND
 inline constexpr ErrorCode no_match_when_query = 0x80092009;    // CRYPT_E_NO_MATCH
-inline constexpr ErrorCode bad_cipher_data = 0x80090005;  // NTE_BAD_DATA
-inline constexpr ErrorCode bad_cipher_key = 0x80090003;   // NTE_BAD_KEY
+inline constexpr ErrorCode bad_cipher_data = 0x80090005;        // NTE_BAD_DATA
+inline constexpr ErrorCode bad_cipher_key = 0x80090003;         // NTE_BAD_KEY
 
 inline constexpr Result ok = 0;
 inline constexpr Result nothing = 1;  // S_FALSE
 inline constexpr Result pointer = static_cast<Result>(0x80004003);
 inline constexpr Result fail = static_cast<Result>(0x80004005);
 inline constexpr Result no_memory = static_cast<Result>(0x8007000E);
+inline constexpr Result not_initialized = static_cast<Result>(0x800401F0);    // CO_E_NOTINITIALIZED
+inline constexpr Result changed_mode = static_cast<Result>(0x80010106);       // RPC_E_CHANGED_MODE
+inline constexpr Result security_too_late = static_cast<Result>(0x80010119);  // RPC_E_TOO_LATE
 inline constexpr Result class_not_registered = static_cast<Result>(0x80040154);
+
+/// An error code as a COM result (HRESULT_FROM_WIN32).
+[[nodiscard]] constexpr Result as_result(ErrorCode error) {
+  return error == success ? ok : static_cast<Result>((error & 0xFFFF) | 0x80070000);
+}
 
 }  // namespace ports::code

@@ -55,12 +55,8 @@ class Processes {
   /// refused).
   [[nodiscard]] virtual bool shell_execute(const ShellRequest& request, Handle& process) = 0;
 
-  /// CoInitializeEx for a single-threaded apartment; `uninitialize_com` undoes a call that did not fail.
-  [[nodiscard]] virtual Result initialize_com() = 0;
-  virtual void uninitialize_com() = 0;
-
   /// The desktop's shell view (IShellWindows, IShellBrowser, IShellView, IShellDispatch2), to be given back with
-  /// `release_desktop`. A negative result where no shell runs. Only between the two operations above.
+  /// `release_desktop`. A negative result where no shell runs. Only on a thread that has COM initialised.
   [[nodiscard]] virtual Result find_desktop(DesktopShell& out) = 0;
   virtual void release_desktop(DesktopShell desktop) = 0;
 

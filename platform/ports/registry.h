@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -54,6 +55,13 @@ struct RegistryValue {
   friend bool operator==(const RegistryValue&, const RegistryValue&) = default;
 };
 
+/// What RegQueryInfoKeyW tells, as far as it is looked at.
+struct KeyInformation {
+  std::uint32_t subkeys = 0;
+  std::uint32_t longest_subkey = 0;  // in characters, without the terminator
+  std::uint32_t values = 0;
+};
+
 /// The registry. Names ignore case (ASCII). Every operation gives its error code and may be called on any thread;
 /// common codes: file_not_found, access_denied, invalid_handle, key_deleted (1018, the key went while it was open).
 class Registry {
@@ -75,11 +83,25 @@ class Registry {
   /// RegEnumKeyExW: the name of subkey number `position`. At the end no_more_items.
   [[nodiscard]] virtual ErrorCode subkey(RegistryKey key, std::uint32_t position, std::wstring& name) = 0;
 
+  /// RegEnumKeyExW with room for `room` characters, terminator included: as `subkey`, and more_data for a name that
+  /// does not fit.
+  [[nodiscard]] virtual ErrorCode subkey_within(RegistryKey key, std::uint32_t position, std::uint32_t room,
+                                                std::wstring& name) = 0;
+
+  /// RegQueryInfoKeyW.
+  [[nodiscard]] virtual ErrorCode information(RegistryKey key, KeyInformation& out) = 0;
+
   /// RegEnumValueW: the name of value number `position`. At the end no_more_items.
   [[nodiscard]] virtual ErrorCode value_name(RegistryKey key, std::uint32_t position, std::wstring& name) = 0;
 
   /// RegQueryValueExW. An empty name is the key's default value.
   [[nodiscard]] virtual ErrorCode query(RegistryKey key, const wchar_t* name, RegistryValue& out) = 0;
+
+  /// RegGetValueW of a value below `subkey`, with RRF_RT_REG_SZ: a text, of which the system expands what is
+  /// expandable. With an empty `into`, `size` is the size in bytes that is wanted, terminator included; else how many
+  /// bytes came. Also more_data, unsupported_type.
+  [[nodiscard]] virtual ErrorCode get_text(RegistryKey key, const wchar_t* subkey, const wchar_t* name,
+                                           std::span<wchar_t> into, std::uint32_t& size) = 0;
 
   /// RegSetValueExW.
   [[nodiscard]] virtual ErrorCode set(RegistryKey key, const wchar_t* name, const RegistryValue& value) = 0;
@@ -90,6 +112,20 @@ class Registry {
   /// NtDeleteKey, its status as a Windows code: deletes exactly the key that was opened, a link itself. The key needs
   /// the right `erase`. access_denied where it has subkeys. The handle still wants closing.
   [[nodiscard]] virtual ErrorCode remove(RegistryKey key) = 0;
+
+  /// RegDeleteTreeW: the key below `key` with all that is below it. Also key_has_children where something came in
+  /// meanwhile.
+  [[nodiscard]] virtual ErrorCode remove_tree(RegistryKey key, const wchar_t* subkey) = 0;
+
+  /// RegLoadKeyW: mounts the hive file as a key right below `key`, which is users or local_machine; the file is the
+  /// system's alone until it is unmounted. Needs the privileges SeRestorePrivilege and SeBackupPrivilege, else
+  /// privilege_not_held. Also file_not_found, sharing_violation (mounted already, or open), already_exists (the name is
+  /// taken), bad_database (no hive).
+  [[nodiscard]] virtual ErrorCode load_hive(RegistryKey key, const wchar_t* name, const wchar_t* file) = 0;
+
+  /// RegUnLoadKeyW: unmounts what `load_hive` mounted; what changed is in the file. The same privileges. Also
+  /// access_denied (a key below is open), file_not_found, invalid_parameter (no mounted hive).
+  [[nodiscard]] virtual ErrorCode unload_hive(RegistryKey key, const wchar_t* name) = 0;
 };
 
 }  // namespace ports

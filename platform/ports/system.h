@@ -13,8 +13,10 @@ namespace ports {
 
 class Clock;
 class Cng;
+class Com;
 class CodePages;
 class Crashes;
+class DriverStore;
 class Environment;
 class Files;
 class KeyMaker;
@@ -26,6 +28,7 @@ class Registry;
 class Resources;
 class ScriptCipher;
 class Signatures;
+class TaskScheduler;
 class Termination;
 class Threads;
 class Tokens;
@@ -55,6 +58,9 @@ struct System {
   ProcessInspection& inspection;
   Tokens& tokens;
   Signatures& signatures;
+  Com& com;
+  TaskScheduler& tasks;
+  DriverStore& drivers;
   Modules& modules;
   Resources& resources;
   Environment& environment;
@@ -102,30 +108,22 @@ Port& chosen(Port& inner, First& first, Rest&... rest) {
 
 template <class... Replacements>
 System with(const System& inner, Replacements&... replacements) {
-  const auto or_replaced = [&replacements...](auto& port) -> auto& { return details::chosen(port, replacements...); };
-  return {or_replaced(inner.errors),
-          or_replaced(inner.clock),
-          or_replaced(inner.threads),
-          or_replaced(inner.waits),
-          or_replaced(inner.files),
-          or_replaced(inner.registry),
-          or_replaced(inner.processes),
-          or_replaced(inner.inspection),
-          or_replaced(inner.tokens),
-          or_replaced(inner.signatures),
-          or_replaced(inner.modules),
-          or_replaced(inner.resources),
-          or_replaced(inner.environment),
-          or_replaced(inner.termination),
-          or_replaced(inner.text),
-          or_replaced(inner.log_streams),
-          or_replaced(inner.crashes),
-          or_replaced(inner.winapi),
-          or_replaced(inner.cipher),
-          or_replaced(inner.key_maker),
-          or_replaced(inner.xml),
-          or_replaced(inner.cng),
-          inner.own_module};
+  const auto or_replaced = [&replacements...](auto& port) -> auto& {
+    return details::chosen(port, replacements...);
+  };
+  return {or_replaced(inner.errors),      or_replaced(inner.clock),
+          or_replaced(inner.threads),     or_replaced(inner.waits),
+          or_replaced(inner.files),       or_replaced(inner.registry),
+          or_replaced(inner.processes),   or_replaced(inner.inspection),
+          or_replaced(inner.tokens),      or_replaced(inner.signatures),
+          or_replaced(inner.com),         or_replaced(inner.tasks),
+          or_replaced(inner.drivers),     or_replaced(inner.modules),
+          or_replaced(inner.resources),   or_replaced(inner.environment),
+          or_replaced(inner.termination), or_replaced(inner.text),
+          or_replaced(inner.log_streams), or_replaced(inner.crashes),
+          or_replaced(inner.winapi),      or_replaced(inner.cipher),
+          or_replaced(inner.key_maker),   or_replaced(inner.xml),
+          or_replaced(inner.cng),         inner.own_module};
 }
 
 }  // namespace ports

@@ -20,8 +20,6 @@ class RecordingProcesses final : public ports::Processes {
 
   bool exit_code(ports::Handle process, std::uint32_t& out) override { return inner_.exit_code(process, out); }
   std::uint32_t current_id() override { return inner_.current_id(); }
-  ports::Result initialize_com() override { return inner_.initialize_com(); }
-  void uninitialize_com() override { inner_.uninitialize_com(); }
   ports::Result find_desktop(ports::DesktopShell& out) override { return inner_.find_desktop(out); }
   void release_desktop(ports::DesktopShell desktop) override { inner_.release_desktop(desktop); }
 

@@ -19,12 +19,26 @@ class RecordingRegistry final : public ports::Registry {
   ports::ErrorCode set(ports::RegistryKey key, const wchar_t* name, const ports::RegistryValue& value) override;
   ports::ErrorCode remove_value(ports::RegistryKey key, const wchar_t* name) override;
   ports::ErrorCode remove(ports::RegistryKey key) override;
+  ports::ErrorCode remove_tree(ports::RegistryKey key, const wchar_t* subkey) override;
+  ports::ErrorCode load_hive(ports::RegistryKey key, const wchar_t* name, const wchar_t* file) override;
+  ports::ErrorCode unload_hive(ports::RegistryKey key, const wchar_t* name) override;
 
   ports::ErrorCode subkey(ports::RegistryKey key, std::uint32_t position, std::wstring& name) override {
     return inner_.subkey(key, position, name);
   }
   ports::ErrorCode value_name(ports::RegistryKey key, std::uint32_t position, std::wstring& name) override {
     return inner_.value_name(key, position, name);
+  }
+  ports::ErrorCode subkey_within(ports::RegistryKey key, std::uint32_t position, std::uint32_t room,
+                                 std::wstring& name) override {
+    return inner_.subkey_within(key, position, room, name);
+  }
+  ports::ErrorCode information(ports::RegistryKey key, ports::KeyInformation& out) override {
+    return inner_.information(key, out);
+  }
+  ports::ErrorCode get_text(ports::RegistryKey key, const wchar_t* subkey, const wchar_t* name, std::span<wchar_t> into,
+                            std::uint32_t& size) override {
+    return inner_.get_text(key, subkey, name, into, size);
   }
   ports::ErrorCode query(ports::RegistryKey key, const wchar_t* name, ports::RegistryValue& out) override {
     return inner_.query(key, name, out);

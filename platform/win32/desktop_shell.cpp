@@ -59,14 +59,6 @@ VARIANT text_argument(const Bstr& text) {
 
 }  // namespace
 
-ports::Result Processes::initialize_com() {
-  return CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-}
-
-void Processes::uninitialize_com() {
-  CoUninitialize();
-}
-
 ports::Result Processes::find_desktop(ports::DesktopShell& out) {
   ComOwner<IShellBrowser> browser;
   HRESULT result = find_browser(browser);

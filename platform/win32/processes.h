@@ -12,8 +12,6 @@ class Processes final : public ports::Processes {
   bool terminate(ports::Handle process, std::uint32_t exit_code) override;
   std::uint32_t current_id() override;
   bool shell_execute(const ports::ShellRequest& request, ports::Handle& process) override;
-  ports::Result initialize_com() override;
-  void uninitialize_com() override;
   ports::Result find_desktop(ports::DesktopShell& out) override;
   void release_desktop(ports::DesktopShell desktop) override;
   ports::Result execute_on_desktop(ports::DesktopShell desktop, const wchar_t* file, const wchar_t* arguments,

@@ -1,7 +1,9 @@
 #include "platform/ports/build.h"
 #include "platform/win32/clock.h"
 #include "platform/win32/code_pages.h"
+#include "platform/win32/com_library.h"
 #include "platform/win32/crashes.h"
+#include "platform/win32/driver_store.h"
 #include "platform/win32/environment.h"
 #include "platform/win32/errors.h"
 #include "platform/win32/files.h"
@@ -11,6 +13,7 @@
 #include "platform/win32/processes.h"
 #include "platform/win32/registry.h"
 #include "platform/win32/signatures.h"
+#include "platform/win32/task_scheduler.h"
 #include "platform/win32/termination.h"
 #include "platform/win32/threads.h"
 #include "platform/win32/tokens.h"
@@ -32,6 +35,9 @@ struct RealWorld {
   ProcessInspection inspection;
   Tokens tokens;
   Signatures signatures;
+  Com com;
+  TaskScheduler tasks;
+  DriverStore drivers;
   Modules modules;
   Resources resources;
   Environment environment;
@@ -51,6 +57,9 @@ struct RealWorld {
                        inspection,
                        tokens,
                        signatures,
+                       com,
+                       tasks,
+                       drivers,
                        modules,
                        resources,
                        environment,

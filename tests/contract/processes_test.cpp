@@ -1,3 +1,4 @@
+#include "platform/ports/com.h"
 #include "platform/ports/processes.h"
 
 #include "tests/contract/world.h"
@@ -91,7 +92,7 @@ TEST_P(Processes, TheShellStartsAProgramAndKeepsItsProcess) {
 
 TEST_P(Processes, TheDesktopsShellTakesARequest) {
   world().start_shell();
-  ASSERT_TRUE(ports::succeeded(processes().initialize_com()));
+  ASSERT_TRUE(ports::succeeded(system().com.initialize(ports::ComModel::apartment_threaded)));
   ports::DesktopShell desktop = ports::DesktopShell::null;
   ports::Result found = code::fail;
   for (int tries = 0; tries < 100 && !ports::succeeded(found); ++tries) {
@@ -103,7 +104,7 @@ TEST_P(Processes, TheDesktopsShellTakesARequest) {
   EXPECT_TRUE(ports::succeeded(processes().execute_on_desktop(desktop, child.program.c_str(), child.arguments.c_str(),
                                                               world().folder().c_str(), L"")));
   processes().release_desktop(desktop);
-  processes().uninitialize_com();
+  system().com.uninitialize();
 }
 
 KY_CONTRACT(Processes);

@@ -137,7 +137,7 @@ TEST_F(GetStringFromXml, FailingCallsAreToldByTheirCode) {
     std::uint32_t result;
     std::int32_t return_code;
   } rows[] = {
-      {Operation::processes_initialize_com, code::fail, false, 0, 7},
+      {Operation::com_initialize, code::fail, false, 0, 7},
       {Operation::xml_create_document, code::class_not_registered, false, 1168, code::class_not_registered},
       {Operation::files_open, static_cast<ports::Result>(code::access_denied), false, 1168, code::nothing},
       {Operation::files_read, static_cast<ports::Result>(code::read_fault), false, 1168, code::nothing},

@@ -1,5 +1,6 @@
 #include "installer/utils/base/process/desktop_launch.h"
 
+#include "platform/ports/com.h"
 #include "platform/ports/processes.h"
 #include "platform/ports/system.h"
 
@@ -9,17 +10,17 @@ namespace {
 
 class ComApartment {
  public:
-  explicit ComApartment(ports::Processes& processes)
-      : processes_(processes), entered_(ports::succeeded(processes.initialize_com())) {}
+  explicit ComApartment(ports::Com& com)
+      : com_(com), entered_(ports::succeeded(com.initialize(ports::ComModel::apartment_threaded))) {}
   ~ComApartment() {
-    if (entered_) processes_.uninitialize_com();
+    if (entered_) com_.uninitialize();
   }
   ComApartment(const ComApartment&) = delete;
   ComApartment& operator=(const ComApartment&) = delete;
   [[nodiscard]] bool entered() const { return entered_; }
 
  private:
-  ports::Processes& processes_;
+  ports::Com& com_;
   bool entered_;
 };
 
@@ -28,7 +29,7 @@ class ComApartment {
 bool ShellExecuteAsDesktopUser(const std::wstring& file, const std::wstring& arguments, const std::wstring& directory,
                                const std::wstring& operation) {
   ports::Processes& processes = ports::system().processes;
-  const ComApartment apartment(processes);
+  const ComApartment apartment(ports::system().com);
   if (!apartment.entered()) return false;
   ports::DesktopShell desktop = ports::DesktopShell::null;
   if (!ports::succeeded(processes.find_desktop(desktop)) || desktop == ports::DesktopShell::null) return false;

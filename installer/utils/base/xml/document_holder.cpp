@@ -1,18 +1,19 @@
 #include "installer/utils/base/xml/document_holder.h"
 
 #include "installer/utils/base/xml/xml_error.h"
-#include "platform/ports/processes.h"
+#include "platform/ports/com.h"
 #include "platform/ports/system.h"
 
 namespace base::xml {
 
 document_holder::document_holder()
-    : com_status_(ports::system().processes.initialize_com()), document_(ports::system().xml) {}
+    : com_status_(ports::system().com.initialize(ports::ComModel::apartment_threaded)),
+      document_(ports::system().xml) {}
 
 document_holder::~document_holder() {
   document_.reset();
   if (!ports::succeeded(com_status_)) return;
-  ports::system().processes.uninitialize_com();
+  ports::system().com.uninitialize();
   com_status_ = ports::code::fail;
 }
 

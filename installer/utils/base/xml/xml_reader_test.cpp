@@ -88,8 +88,8 @@ TEST_F(XmlReader, LeavesComInWhateverWayItEnds) {
               static_cast<ports::ErrorCode>(ports::code::class_not_registered));
   EXPECT_NE(failure_of(make_text(L"<r/>")).find("::CreateInstance has failed!"), std::string::npos);
   // The first entrance of a thread is told apart from further ones.
-  EXPECT_EQ(system.processes.initialize_com(), ports::code::ok);
-  system.processes.uninitialize_com();
+  EXPECT_EQ(system.com.initialize(ports::ComModel::apartment_threaded), ports::code::ok);
+  system.com.uninitialize();
 }
 
 }  // namespace
