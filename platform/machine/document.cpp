@@ -16,7 +16,7 @@ struct Section {
 };
 
 // In the order of reading: files stand on drives.
-constexpr std::array<Section, 8> sections = {{
+constexpr std::array<Section, 9> sections = {{
     {"clock", read_clock, write_clock},
     {"counters", read_counters, write_counters},
     {"environment", read_environment, write_environment},
@@ -25,6 +25,7 @@ constexpr std::array<Section, 8> sections = {{
     {"registry", read_registry, write_registry},
     {"programs", read_programs, write_programs},
     {"pending_moves", read_pending_moves, write_pending_moves},
+    {"task_scheduler", read_task_scheduler, write_task_scheduler},
 }};
 
 [[nodiscard]] bool known(const std::string& name) {

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <map>
 #include <set>
 #include <utility>
 
@@ -78,8 +79,12 @@ void read_holds(const JsonNode& node, FileNode& out) {
 }
 
 void check(const JsonNode& row, const FileNode& node) {
-  const bool content = row.has("text") || row.has("base64") || row.has("size");
+  const bool content = row.has("text") || row.has("base64") || row.has("hive") || row.has("size");
   if (row.has("text") && row.has("base64")) row.fail("\"text\" and \"base64\" exclude each other");
+  if (row.has("hive") && (row.has("text") || row.has("base64") || row.has("size"))) {
+    row.fail("\"hive\" is the whole content");
+  }
+  if (row.has("mounted") && !row.has("hive")) row.fail("what is \"mounted\" is a \"hive\"");
   if (content && node.folder) row.fail("a folder has no content");
   if (content && node.link != LinkKind::none) row.fail("a link has no content");
   if (node.mapped && node.folder) row.fail("a folder does not run");
@@ -88,20 +93,22 @@ void check(const JsonNode& row, const FileNode& node) {
 }
 
 [[nodiscard]] FileNode read_node(const JsonNode& row) {
-  row.only({"path", "folder", "attributes", "text", "base64", "size", "link", "running", "open", "deleting",
-            "protected", "same_as"});
+  row.only({"path", "folder", "attributes", "text", "base64", "hive", "mounted", "size", "link", "running", "open",
+            "deleting", "protected", "same_as", "store"});
   FileNode node;
   node.folder = row.flag("folder");
   if (const auto link = row.find("link")) read_link(*link, node);
   const auto attributes = row.find("attributes");
   node.attributes = attributes ? read_bits(*attributes, attribute_names) : default_attributes(node);
-  node.bytes = read_content(row);
+  const auto hive = row.find("hive");
+  node.bytes = hive ? read_hive_rows(*hive) : read_content(row);
   const auto size = row.find("size");
   node.size = size ? static_cast<std::uint64_t>(size->integer(0, std::int64_t{1} << 53)) : node.bytes.size();
   node.mapped = row.flag("running");
   node.protect = row.flag("protected");
   if (const auto holds = row.find("open")) read_holds(*holds, node);
   node.going = row.flag("deleting");
+  if (const auto store = row.find("store")) node.store = read_path_text(*store);
   check(row, node);
   return node;
 }
@@ -119,7 +126,7 @@ void check(const JsonNode& row, const FileNode& node) {
 }
 
 // Folders may have been made for what stands in them before their own row comes.
-void place_node(const JsonNode& row, FileTree& tree, std::set<NodeId>& told) {
+NodeId place_node(const JsonNode& row, FileTree& tree, std::set<NodeId>& told) {
   FilePlace place = read_place(row, tree);
   FileNode node = read_node(row);
   if (node.going) node.going_place = place;
@@ -138,6 +145,17 @@ void place_node(const JsonNode& row, FileTree& tree, std::set<NodeId>& told) {
     there = std::move(node);
   }
   told.insert(id);
+  return id;
+}
+
+// What is in the hive stands in the rows of the registry meanwhile.
+void read_mount(const JsonNode& node, State& state, NodeId file) {
+  const KeyId key = make_keys(state.registry, read_key_path(node));
+  if (state.registry.keys.at(key).parent == 0 || !hive_root(state.registry, key)) {
+    node.fail("a hive is mounted right below a root");
+  }
+  if (state.hives.count(key) != 0) node.fail("two hives are mounted there");
+  hold_hive(state, key, file);
 }
 
 void place_name(const JsonNode& row, FileTree& tree) {
@@ -194,7 +212,10 @@ void write_content(const std::vector<std::uint8_t>& bytes, picojson::object& row
 void read_files(const JsonNode& node, State& state) {
   std::set<NodeId> told;
   for (std::size_t i = 0; i < node.size(); ++i) {
-    if (!node.at(i).has("same_as")) place_node(node.at(i), state.files, told);
+    const JsonNode row = node.at(i);
+    if (row.has("same_as")) continue;
+    const NodeId id = place_node(row, state.files, told);
+    if (const auto mounted = row.find("mounted")) read_mount(*mounted, state, id);
   }
   for (std::size_t i = 0; i < node.size(); ++i) {
     if (node.at(i).has("same_as")) place_name(node.at(i), state.files);
@@ -211,10 +232,13 @@ namespace {
     picojson::object link;
     link[node.link == LinkKind::junction ? "junction" : "symbolic"] = json_text(node.target);
     row["link"] = picojson::value(link);
+  } else if (const auto hive = node.size == node.bytes.size() ? write_hive_rows(node.bytes) : std::nullopt) {
+    row["hive"] = *hive;
   } else if (!node.folder) {
     if (!node.bytes.empty()) write_content(node.bytes, row);
     if (node.size != node.bytes.size() || node.size == 0) row["size"] = json_number(node.size);
   }
+  if (!node.store.empty()) row["store"] = json_text(node.store);
   if (node.mapped) row["running"] = picojson::value(true);
   if (node.protect) row["protected"] = picojson::value(true);
   picojson::array holds;
@@ -231,8 +255,11 @@ namespace {
   return row;
 }
 
+using MountPaths = std::map<NodeId, std::wstring>;
+
 // A folder needs no row of its own when something in it has one and nothing else is to be said.
-void write_below(const FileTree& tree, NodeId folder, const std::wstring& path, picojson::array& out) {
+void write_below(const FileTree& tree, NodeId folder, const std::wstring& path, const MountPaths& mounted,
+                 picojson::array& out) {
   for (const auto& [name, id] : tree.nodes.at(folder).children) {
     const FileNode& node = tree.nodes.at(id);
     const std::wstring own = path + L"\\" + name;
@@ -240,6 +267,7 @@ void write_below(const FileTree& tree, NodeId folder, const std::wstring& path, 
     picojson::object row;
     if (first.folder == folder && same_name(first.name, name)) {
       row = write_node(node);
+      if (const auto at = mounted.find(id); at != mounted.end()) row["mounted"] = json_text(at->second);
     } else {
       row["same_as"] = json_text(path_of(tree, id));
     }
@@ -248,15 +276,17 @@ void write_below(const FileTree& tree, NodeId folder, const std::wstring& path, 
       row["path"] = json_text(own);
       out.emplace_back(row);
     }
-    write_below(tree, id, own, out);
+    write_below(tree, id, own, mounted, out);
   }
 }
 
 }  // namespace
 
 picojson::value write_files(const State& state) {
+  MountPaths mounted;
+  for (const auto& [key, file] : state.hives) mounted.emplace(file, key_path(state.registry, key));
   picojson::array out;
-  for (const auto& [drive, volume] : state.files.volumes) write_below(state.files, volume.root, drive, out);
+  for (const auto& [drive, volume] : state.files.volumes) write_below(state.files, volume.root, drive, mounted, out);
   return picojson::value(out);
 }
 

@@ -144,37 +144,25 @@ std::wstring read_key_path(const JsonNode& node) {
   return path;
 }
 
-void read_registry(const JsonNode& node, State& state) {
-  RegistryTree& tree = state.registry;
-  std::set<KeyId> told;
-  for (std::size_t i = 0; i < node.size(); ++i) {
-    const JsonNode row = node.at(i);
-    row.only({"key", "values", "volatile", "link", "protected"});
-    const KeyId id = make_keys(tree, read_key_path(row.member("key")));
-    if (!told.insert(id).second) row.member("key").fail("this key stands there twice");
-    KeyNode& key = tree.keys.at(id);
-    key.is_volatile = row.flag("volatile");
-    key.protect = row.flag("protected");
-    if (const auto link = row.find("link")) {
-      if (row.has("values")) row.fail("a link has no values of its own");
-      key.link = true;
-      key.values.emplace(link_value_name, RegistryValue{RegistryType::link, text_bytes(link->text(), false)});
-    }
-    const auto values = row.find("values");
-    if (!values) continue;
-    for (const auto& [name, value] : values->object()) {
-      const JsonNode item = values->child(name, value);
-      if (name.find('\0') != std::string::npos) item.fail("a NUL cannot stand in a name");
-      if (!key.values.emplace(base::strings::to_wide(name), read_value(item)).second)
-        item.fail("this value stands there twice");
-    }
+void read_key_facts(const JsonNode& row, KeyNode& key) {
+  key.is_volatile = row.flag("volatile");
+  key.protect = row.flag("protected");
+  if (const auto link = row.find("link")) {
+    if (row.has("values")) row.fail("a link has no values of its own");
+    key.link = true;
+    key.values.emplace(link_value_name, RegistryValue{RegistryType::link, text_bytes(link->text(), false)});
+  }
+  const auto values = row.find("values");
+  if (!values) return;
+  for (const auto& [name, value] : values->object()) {
+    const JsonNode item = values->child(name, value);
+    if (name.find('\0') != std::string::npos) item.fail("a NUL cannot stand in a name");
+    if (!key.values.emplace(base::strings::to_wide(name), read_value(item)).second)
+      item.fail("this value stands there twice");
   }
 }
 
-namespace {
-
-void write_below(const RegistryTree& tree, KeyId id, const std::wstring& path, picojson::array& out) {
-  const KeyNode& key = tree.keys.at(id);
+picojson::object write_key_facts(const KeyNode& key) {
   picojson::object row;
   if (key.is_volatile) row["volatile"] = picojson::value(true);
   if (key.protect) row["protected"] = picojson::value(true);
@@ -186,6 +174,26 @@ void write_below(const RegistryTree& tree, KeyId id, const std::wstring& path, p
     for (const auto& [name, value] : key.values) values[base::strings::to_utf8(name)] = write_value(value);
     row["values"] = picojson::value(values);
   }
+  return row;
+}
+
+void read_registry(const JsonNode& node, State& state) {
+  RegistryTree& tree = state.registry;
+  std::set<KeyId> told;
+  for (std::size_t i = 0; i < node.size(); ++i) {
+    const JsonNode row = node.at(i);
+    row.only({"key", "values", "volatile", "link", "protected"});
+    const KeyId id = make_keys(tree, read_key_path(row.member("key")));
+    if (!told.insert(id).second) row.member("key").fail("this key stands there twice");
+    read_key_facts(row, tree.keys.at(id));
+  }
+}
+
+namespace {
+
+void write_below(const RegistryTree& tree, KeyId id, const std::wstring& path, picojson::array& out) {
+  const KeyNode& key = tree.keys.at(id);
+  picojson::object row = write_key_facts(key);
   if (!row.empty() || (key.subkeys.empty() && key.parent != 0)) {
     row["key"] = json_text(path);
     out.emplace_back(row);

@@ -3,6 +3,7 @@
 #include <picojson.h>
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,6 +23,7 @@ void read_files(const JsonNode& node, State& state);
 void read_pending_moves(const JsonNode& node, State& state);
 void read_programs(const JsonNode& node, State& state);
 void read_registry(const JsonNode& node, State& state);
+void read_task_scheduler(const JsonNode& node, State& state);
 
 [[nodiscard]] picojson::value write_clock(const State& state);
 [[nodiscard]] picojson::value write_counters(const State& state);
@@ -31,6 +33,7 @@ void read_registry(const JsonNode& node, State& state);
 [[nodiscard]] picojson::value write_pending_moves(const State& state);
 [[nodiscard]] picojson::value write_programs(const State& state);
 [[nodiscard]] picojson::value write_registry(const State& state);
+[[nodiscard]] picojson::value write_task_scheduler(const State& state);
 
 /// A full path with drive, backslashes and no "." or ".." in it.
 [[nodiscard]] Path read_path(const JsonNode& node);
@@ -53,5 +56,13 @@ void write_content(const std::vector<std::uint8_t>& bytes, picojson::object& row
 
 /// A key's path, which starts with the name of a root.
 [[nodiscard]] std::wstring read_key_path(const JsonNode& node);
+/// What a row says of a key besides its path: values or link, volatile, protected.
+void read_key_facts(const JsonNode& row, KeyNode& key);
+[[nodiscard]] picojson::object write_key_facts(const KeyNode& key);
+
+/// The content of a hive file, from rows of keys with paths below the hive's root; see hive_content.h.
+[[nodiscard]] std::vector<std::uint8_t> read_hive_rows(const JsonNode& node);
+/// The rows that give just this content back; nothing for what is no hive.
+[[nodiscard]] std::optional<picojson::value> write_hive_rows(const std::vector<std::uint8_t>& bytes);
 
 }  // namespace machine

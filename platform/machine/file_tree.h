@@ -40,6 +40,7 @@ struct FileNode {
   std::vector<std::uint8_t> bytes;  // the content's beginning; zeros up to `size`
   LinkKind link = LinkKind::none;
   std::wstring target;       // of a link
+  std::wstring store;        // of an INF file: the path that it came from in the driver store
   bool protect = false;      // only reading is allowed
   std::uint32_t images = 0;  // programs and modules that this run has going from it
   bool mapped = false;       // somebody outside runs it

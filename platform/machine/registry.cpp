@@ -1,8 +1,8 @@
 #include "platform/machine/registry.h"
 
-#include <iterator>
 #include <utility>
 
+#include "platform/machine/registry_views.h"
 #include "platform/ports/codes.h"
 
 namespace machine {
@@ -18,7 +18,6 @@ namespace {
 constexpr std::uint32_t all_rights = 0xF003F;
 constexpr std::uint32_t whatever_is_allowed = 0x12000000;  // MAXIMUM_ALLOWED, GENERIC_ALL
 constexpr std::uint32_t changing = right::set_value | right::create_subkey | right::create_link | right::erase;
-constexpr std::size_t longest_name = 255;
 
 [[nodiscard]] KeyId predefined(const State& state, RegistryKey key) {
   const RegistryTree& tree = state.registry;
@@ -42,14 +41,18 @@ constexpr std::size_t longest_name = 255;
          key == RegistryKey::classes_root;
 }
 
-// A path may end in a backslash, but not begin with one.
-[[nodiscard]] ErrorCode parts_of(const wchar_t* subkey, std::vector<std::wstring>& parts) {
+// The way to a subkey, in the view that `access` asks for. A path may end in a backslash, but not begin with one.
+[[nodiscard]] ErrorCode way_of(const RegistryTree& tree, KeyId from, const wchar_t* subkey, std::uint32_t access,
+                               RegistryWay& way) {
+  constexpr std::uint32_t both_views = right::view_32 | right::view_64;
+  if ((access & both_views) == both_views) return code::invalid_parameter;
   const std::wstring_view path = subkey == nullptr ? L"" : subkey;
   if (!path.empty() && path.front() == L'\\') return code::bad_path_name;
-  parts = split_path(path);
-  for (const std::wstring& part : parts) {
+  way = {from, split_path(path)};
+  for (const std::wstring& part : way.parts) {
     if (part.size() > longest_name) return code::invalid_parameter;
   }
+  if ((access & right::view_32) != 0) way = in_view_32(tree, std::move(way));
   return code::success;
 }
 
@@ -78,16 +81,26 @@ ErrorCode Registry::grant(KeyId key, std::uint32_t access, RegistryKey& out) {
   return code::success;
 }
 
+ErrorCode Registry::find(RegistryKey from, std::uint32_t wanted, const wchar_t* subkey, KeyFound& out) {
+  OpenKey start;
+  RegistryWay way;
+  ErrorCode error = use(from, wanted, start);
+  if (error == code::success) error = way_of(world_.state.registry, start.key, subkey, 0, way);
+  if (error != code::success) return error;
+  out = find_key(world_.state.registry, way.from, way.parts, true);
+  return out.error;
+}
+
 ErrorCode Registry::open(RegistryKey parent, const wchar_t* subkey, std::uint32_t options, std::uint32_t access,
                          RegistryKey& out) {
   const ports::Lock lock(world_.mutex);
   OpenKey from;
-  std::vector<std::wstring> parts;
+  RegistryWay way;
   ErrorCode error = use(parent, 0, from);
-  if (error == code::success) error = parts_of(subkey, parts);
+  if (error == code::success) error = way_of(world_.state.registry, from.key, subkey, access, way);
   if (error != code::success) return error;
   const bool follow = (options & option::open_link) == 0;
-  const KeyFound found = find_key(world_.state.registry, from.key, parts, follow);
+  const KeyFound found = find_key(world_.state.registry, way.from, way.parts, follow);
   return found.error == code::success ? grant(found.key, access, out) : found.error;
 }
 
@@ -95,13 +108,13 @@ ErrorCode Registry::create(RegistryKey parent, const wchar_t* subkey, std::uint3
                            RegistryKey& out, bool& created) {
   const ports::Lock lock(world_.mutex);
   OpenKey from;
-  std::vector<std::wstring> parts;
+  RegistryWay way;
   ErrorCode error = use(parent, 0, from);
-  if (error == code::success) error = parts_of(subkey, parts);
+  if (error == code::success) error = way_of(world_.state.registry, from.key, subkey, access, way);
   if (error != code::success) return error;
   RegistryTree& tree = world_.state.registry;
   const bool make_link = (options & option::create_link) != 0;
-  const KeyFound found = find_key(tree, from.key, parts, !make_link && (options & option::open_link) == 0);
+  const KeyFound found = find_key(tree, way.from, way.parts, !make_link && (options & option::open_link) == 0);
   created = false;
   if (found.error == code::success) return make_link ? code::already_exists : grant(found.key, access, out);
   if (found.parent == 0) return found.error;
@@ -124,32 +137,8 @@ ErrorCode Registry::create(RegistryKey parent, const wchar_t* subkey, std::uint3
 ErrorCode Registry::close(RegistryKey key) {
   const ports::Lock lock(world_.mutex);
   if (is_predefined(key)) return code::success;
+  walks_.erase(key);
   return open_.erase(key) != 0 ? code::success : code::invalid_handle;
-}
-
-namespace {
-
-template <class Map>
-[[nodiscard]] ErrorCode name_at(const Map& entries, std::uint32_t position, std::wstring& name) {
-  if (position >= entries.size()) return code::no_more_items;
-  name = std::next(entries.begin(), static_cast<std::ptrdiff_t>(position))->first;
-  return code::success;
-}
-
-}  // namespace
-
-ErrorCode Registry::subkey(RegistryKey key, std::uint32_t position, std::wstring& name) {
-  const ports::Lock lock(world_.mutex);
-  OpenKey used;
-  const ErrorCode error = use(key, right::enumerate, used);
-  return error != code::success ? error : name_at(world_.state.registry.keys.at(used.key).subkeys, position, name);
-}
-
-ErrorCode Registry::value_name(RegistryKey key, std::uint32_t position, std::wstring& name) {
-  const ports::Lock lock(world_.mutex);
-  OpenKey used;
-  const ErrorCode error = use(key, right::query_value, used);
-  return error != code::success ? error : name_at(world_.state.registry.keys.at(used.key).values, position, name);
 }
 
 ErrorCode Registry::query(RegistryKey key, const wchar_t* name, ports::RegistryValue& out) {

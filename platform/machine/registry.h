@@ -43,15 +43,31 @@ class Registry final : public ports::Registry {
     KeyId key = 0;
     std::uint32_t access = 0;
   };
+  /// How far a walk over a key's subkeys has come.
+  struct Walk {
+    KeyId key = 0;
+    std::uint64_t turns = 0;
+    std::uint32_t position = 0;
+    std::wstring name;
+  };
 
   /// The open key behind a handle, if it is still there and was opened with `right`.
   [[nodiscard]] ports::ErrorCode use(ports::RegistryKey key, std::uint32_t right, OpenKey& out)
       KY_REQUIRES(world_.mutex);
+  /// The key at a path from an open key; links are followed.
+  [[nodiscard]] ports::ErrorCode find(ports::RegistryKey from, std::uint32_t right, const wchar_t* subkey,
+                                      KeyFound& out) KY_REQUIRES(world_.mutex);
+  /// The name of subkey number `position`; null at the end.
+  [[nodiscard]] const std::wstring* subkey_at(ports::RegistryKey handle, KeyId key, std::uint32_t position)
+      KY_REQUIRES(world_.mutex);
+  /// Whether hives may be mounted below this key by this process.
+  [[nodiscard]] ports::ErrorCode hive_place(ports::RegistryKey key, KeyId& root) KY_REQUIRES(world_.mutex);
   [[nodiscard]] ports::ErrorCode grant(KeyId key, std::uint32_t access, ports::RegistryKey& out)
       KY_REQUIRES(world_.mutex);
 
   World& world_;
   std::map<ports::RegistryKey, OpenKey> open_ KY_GUARDED_BY(world_.mutex);
+  std::map<ports::RegistryKey, Walk> walks_ KY_GUARDED_BY(world_.mutex);
   std::uintptr_t last_ KY_GUARDED_BY(world_.mutex) = 0;
 };
 

@@ -31,27 +31,38 @@ KeyId add_key(RegistryTree& tree, KeyId parent, std::wstring_view name) {
   KeyNode& node = tree.keys[id];
   node.parent = parent;
   node.name = name;
-  if (parent != 0) tree.keys.at(parent).subkeys.emplace(name, id);
+  if (parent == 0) return id;
+  KeyNode& above = tree.keys.at(parent);
+  above.subkeys.emplace(name, id);
+  ++above.turns;
   return id;
 }
 
 void remove_key(RegistryTree& tree, KeyId key) {
   const KeyNode& node = tree.keys.at(key);
-  tree.keys.at(node.parent).subkeys.erase(node.name);
+  KeyNode& above = tree.keys.at(node.parent);
+  above.subkeys.erase(node.name);
+  ++above.turns;
   tree.keys.erase(key);
 }
 
-KeyId make_keys(RegistryTree& tree, std::wstring_view path) {
-  const std::vector<std::wstring> parts = split_path(path);
-  if (parts.empty()) return 0;
-  KeyId key = 0;
-  if (same_name(parts.front(), local_machine_name)) key = tree.local_machine;
-  if (same_name(parts.front(), users_name)) key = tree.users;
-  for (std::size_t i = 1; i < parts.size() && key != 0; ++i) {
-    const KeyId next = subkey(tree, key, parts[i]);
-    key = next != 0 ? next : add_key(tree, key, parts[i]);
+KeyId make_keys_below(RegistryTree& tree, KeyId from, const std::vector<std::wstring>& parts) {
+  KeyId key = from;
+  for (const std::wstring& part : parts) {
+    const KeyId next = subkey(tree, key, part);
+    key = next != 0 ? next : add_key(tree, key, part);
   }
   return key;
+}
+
+KeyId make_keys(RegistryTree& tree, std::wstring_view path) {
+  std::vector<std::wstring> parts = split_path(path);
+  if (parts.empty()) return 0;
+  KeyId root = 0;
+  if (same_name(parts.front(), local_machine_name)) root = tree.local_machine;
+  if (same_name(parts.front(), users_name)) root = tree.users;
+  parts.erase(parts.begin());
+  return root == 0 ? 0 : make_keys_below(tree, root, parts);
 }
 
 std::wstring key_path(const RegistryTree& tree, KeyId key) {
@@ -62,6 +73,12 @@ std::wstring key_path(const RegistryTree& tree, KeyId key) {
 bool hive_root(const RegistryTree& tree, KeyId key) {
   const KeyId parent = tree.keys.at(key).parent;
   return parent == 0 || parent == tree.local_machine || parent == tree.users;
+}
+
+bool within(const RegistryTree& tree, KeyId key, KeyId above) {
+  auto at = tree.keys.find(key);
+  while (at != tree.keys.end() && at->first != above) at = tree.keys.find(at->second.parent);
+  return at != tree.keys.end();
 }
 
 namespace {

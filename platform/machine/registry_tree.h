@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <string>
@@ -23,10 +24,13 @@ struct KeyNode {
   bool is_volatile = false;
   bool link = false;     // leads to what its value SymbolicLinkValue names
   bool protect = false;  // only reading is allowed
+  std::uint64_t turns =
+      0;  // how often a subkey came or went; a walk by position goes on from there while it is the same
 };
 
 inline constexpr std::wstring_view local_machine_name = L"HKEY_LOCAL_MACHINE";
 inline constexpr std::wstring_view users_name = L"HKEY_USERS";
+inline constexpr std::size_t longest_name = 255;
 inline constexpr std::wstring_view link_value_name = L"SymbolicLinkValue";
 
 /// All keys, under the two roots that the others are views of.
@@ -45,10 +49,14 @@ KeyId add_key(RegistryTree& tree, KeyId parent, std::wstring_view name);
 void remove_key(RegistryTree& tree, KeyId key);
 /// The key with all that is missing on the way; links are not followed. 0 where the path starts with no root's name.
 KeyId make_keys(RegistryTree& tree, std::wstring_view path);
+/// The same below a key.
+KeyId make_keys_below(RegistryTree& tree, KeyId from, const std::vector<std::wstring>& parts);
 /// The path with the root's name.
 [[nodiscard]] std::wstring key_path(const RegistryTree& tree, KeyId key);
 /// A root, or a key right below one, which is a hive's. They cannot be deleted.
 [[nodiscard]] bool hive_root(const RegistryTree& tree, KeyId key);
+/// True when `key` is `above` or lies below it; not for one that went.
+[[nodiscard]] bool within(const RegistryTree& tree, KeyId key, KeyId above);
 
 /// What a way down from a key leads to.
 struct KeyFound {

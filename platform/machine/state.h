@@ -5,9 +5,11 @@
 #include "platform/machine/clock.h"
 #include "platform/machine/environment_facts.h"
 #include "platform/machine/file_tree.h"
+#include "platform/machine/hives.h"
 #include "platform/machine/pending_moves.h"
 #include "platform/machine/programs.h"
 #include "platform/machine/registry_tree.h"
+#include "platform/machine/scheduled_tasks.h"
 #include "platform/machine/started_process.h"
 #include "platform/ports/mutex.h"
 
@@ -19,8 +21,10 @@ struct State {
   EnvironmentFacts environment;
   FileTree files;
   RegistryTree registry;
+  MountedHives hives;
   Programs programs;
   PendingMoves pending_moves;
+  ScheduledTasks scheduled_tasks;
   std::uint32_t next_id = 4;  // of processes and threads
   StartedProcesses started;
 };

@@ -52,6 +52,7 @@ inline constexpr ErrorCode key_has_children = 1020;
 inline constexpr ErrorCode child_must_be_volatile = 1021;
 inline constexpr ErrorCode not_found = 1168;
 inline constexpr ErrorCode cancelled = 1223;
+inline constexpr ErrorCode only_if_connected = 1251;
 inline constexpr ErrorCode not_all_assigned = 1300;
 inline constexpr ErrorCode no_such_privilege = 1313;
 inline constexpr ErrorCode privilege_not_held = 1314;
@@ -75,6 +76,7 @@ inline constexpr Result not_initialized = static_cast<Result>(0x800401F0);    //
 inline constexpr Result changed_mode = static_cast<Result>(0x80010106);       // RPC_E_CHANGED_MODE
 inline constexpr Result security_too_late = static_cast<Result>(0x80010119);  // RPC_E_TOO_LATE
 inline constexpr Result class_not_registered = static_cast<Result>(0x80040154);
+inline constexpr Result scheduler_not_running = static_cast<Result>(0x80041315);  // SCHED_E_SERVICE_NOT_RUNNING
 
 /// An error code as a COM result (HRESULT_FROM_WIN32).
 [[nodiscard]] constexpr Result as_result(ErrorCode error) {

@@ -20,11 +20,12 @@ class TaskScheduler {
   /// CoCreateInstance of CLSID_TaskScheduler in this process. Fails with not_initialized, class_not_registered.
   [[nodiscard]] virtual Result create_service(TaskService& out) = 0;
 
-  /// ITaskService::Connect with four empty arguments: this computer, as the caller. Fails with the codes of
-  /// access_denied and service_not_available as results.
+  /// ITaskService::Connect with four empty arguments: this computer, as the caller. Fails with access_denied as a
+  /// result, scheduler_not_running.
   [[nodiscard]] virtual Result connect(TaskService service) = 0;
 
-  /// ITaskService::GetFolder; the root is "\". Fails with file_not_found as a result, and before `connect`.
+  /// ITaskService::GetFolder; the root is "\". Fails with file_not_found and, before `connect`,
+  /// only_if_connected as results.
   [[nodiscard]] virtual Result folder(TaskService service, const wchar_t* path, TaskFolder& out) = 0;
 
   /// ITaskFolder::GetTask: finds a name in any case. Fails with file_not_found as a result.
