@@ -11,12 +11,13 @@ struct EffectName {
   const char* name;
   EffectKind kind;
 };
-constexpr std::array<EffectName, 6> effect_names = {{{"delete_file", EffectKind::delete_file},
+constexpr std::array<EffectName, 7> effect_names = {{{"delete_file", EffectKind::delete_file},
                                                      {"delete_folder", EffectKind::delete_folder},
                                                      {"write_file", EffectKind::write_file},
                                                      {"delete_key", EffectKind::delete_key},
                                                      {"delete_value", EffectKind::delete_value},
-                                                     {"set_value", EffectKind::set_value}}};
+                                                     {"set_value", EffectKind::set_value},
+                                                     {"remove_driver", EffectKind::remove_driver}}};
 
 [[nodiscard]] bool on_key(EffectKind kind) {
   return kind == EffectKind::delete_key || kind == EffectKind::delete_value || kind == EffectKind::set_value;
@@ -25,6 +26,11 @@ constexpr std::array<EffectName, 6> effect_names = {{{"delete_file", EffectKind:
 [[nodiscard]] Effect read_effect_as(const JsonNode& row, const EffectName& as) {
   Effect effect;
   effect.kind = as.kind;
+  if (as.kind == EffectKind::remove_driver) {
+    row.only({as.name});
+    if (!row.flag(as.name)) row.member(as.name).fail("true is wanted here: the command line names the driver");
+    return effect;
+  }
   effect.path = on_key(as.kind) ? read_key_path(row.member(as.name)) : read_path_text(row.member(as.name));
   switch (as.kind) {
     case EffectKind::write_file:
@@ -43,6 +49,7 @@ constexpr std::array<EffectName, 6> effect_names = {{{"delete_file", EffectKind:
     case EffectKind::delete_file:
     case EffectKind::delete_folder:
     case EffectKind::delete_key:
+    case EffectKind::remove_driver:
       row.only({as.name});
       break;
   }
@@ -58,6 +65,10 @@ constexpr std::array<EffectName, 6> effect_names = {{{"delete_file", EffectKind:
 
 [[nodiscard]] picojson::value write_effect(const Effect& effect) {
   picojson::object row;
+  if (effect.kind == EffectKind::remove_driver) {
+    row["remove_driver"] = picojson::value(true);
+    return picojson::value(row);
+  }
   for (const EffectName& name : effect_names) {
     if (name.kind == effect.kind) row[name.name] = json_text(effect.path);
   }

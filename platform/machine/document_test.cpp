@@ -68,6 +68,20 @@ TEST(Document, ABadOneIsRefusedWithFilePlaceAndReason) {
       {with(R"("files": [{"path": "C:\\a", "same_as": "C:\\b"}])"), "m.json: files[0].same_as: there is no such file"},
       {with(R"("files": [{"path": "C:\\a", "deleting": true}])"),
        "m.json: files[0]: what is \"deleting\" is held \"open\" by somebody"},
+      {with(R"("files": [{"path": "C:\\a", "hive": [], "size": 5}])"),
+       "m.json: files[0]: \"hive\" is the whole content"},
+      {with(R"("files": [{"path": "C:\\a", "hive": [{"key": "A"}, {"key": "a"}]}])"),
+       "m.json: files[0].hive[1].key: this key stands there twice"},
+      {with(R"("files": [{"path": "C:\\a", "hive": [{"key": "\\A"}]}])"),
+       "m.json: files[0].hive[0].key: a key's path below the hive's root is wanted here, as \"Software\\Name\""},
+      {with(R"("files": [{"path": "C:\\a", "text": "x", "mounted": "HKEY_USERS\\a"}])"),
+       "m.json: files[0]: what is \"mounted\" is a \"hive\""},
+      {with(R"("files": [{"path": "C:\\a", "hive": [], "mounted": "HKEY_USERS\\a\\b"}])"),
+       "m.json: files[0].mounted: a hive is mounted right below a root"},
+      {with(R"("task_scheduler": {"tasks": [{"path": "Name"}]})"),
+       "m.json: task_scheduler.tasks[0].path: a task's path is wanted here, as \"\\Folder\\Name\""},
+      {with(R"("task_scheduler": {"tasks": [{"path": "\\a"}, {"path": "\\A"}]})"),
+       "m.json: task_scheduler.tasks[1].path: this task stands there twice"},
       {with(R"("registry": [{"key": "HKCU\\Software"}])"),
        "m.json: registry[0].key: a key's path is wanted here, as \"HKEY_LOCAL_MACHINE\\SOFTWARE\\Name\""},
       {with(R"("registry": [{"key": "HKEY_USERS\\a", "values": {"v": true}}])"),
@@ -102,13 +116,18 @@ TEST(Document, SaysItAllAndComesBackTheSame) {
       {"path": "C:\\T\\c.exe", "size": 9007199254740992, "running": true},
       {"path": "C:\\T\\other name", "same_as": "C:\\T\\c.exe"},
       {"path": "C:\\T\\held", "open": [{"access": ["read"], "share": ["delete"]}], "deleting": true},
+      {"path": "C:\\T\\n.dat", "hive": [{"key": "", "values": {"v": 1}}, {"key": "S\\B", "protected": true},
+        {"key": "S", "values": {"e": {"expandable": "%x%"}}}, {"key": "L", "link": "\\Registry\\User\\x"}],
+        "mounted": "HKEY_USERS\\S-2"},
+      {"path": "C:\\T\\oem1.inf", "text": "x", "store": "C:\\T\\p\\p.inf"},
       {"path": "E:\\link", "link": {"symbolic": "..\\x"}, "folder": true},
       {"path": "E:\\way", "link": {"junction": "C:\\T"}},
       {"path": "E:\\name. ", "size": 0}],
     "pending_moves": [{"from": "C:\\x", "to": "C:\\y", "replace": true}, {"from": "C:\\T\\a.txt"}],
     "programs": [{"image": "c.exe", "runs": 500, "exit_code": 4294967295, "refused": true, "needs_elevation": true,
       "effects": [{"delete_file": "C:\\T\\a.txt"}, {"write_file": "C:\\T\\n", "text": "x"},
-        {"set_value": "HKEY_USERS\\S-1\\A", "name": "n", "value": 3}, {"delete_value": "HKEY_USERS\\S-1\\A"}]}],
+        {"set_value": "HKEY_USERS\\S-1\\A", "name": "n", "value": 3}, {"delete_value": "HKEY_USERS\\S-1\\A"}, {"remove_driver": true}]}],
+    "task_scheduler": {"running": false, "tasks": [{"path": "\\A b\\C", "protected": true}, {"path": "\\D"}]},
     "registry": [
       {"key": "HKEY_LOCAL_MACHINE\\SOFTWARE\\A", "volatile": true, "values": {"": "text", "e": {"expandable": "%x%"},
         "n": 4294967295, "l": ["a", "b"], "none": [], "q": {"number64": "18446744073709551615"},
@@ -120,7 +139,9 @@ TEST(Document, SaysItAllAndComesBackTheSame) {
   for (const char* piece :
        {"\"now\": \"2024-02-29T23:59:59.999Z\"", "\"offset_minutes\": -330", "\"same_as\": \"C:\\\\T\\\\c.exe\"",
         "\"path\": \"E:\\\\name. \"", "\"size\": 9007199254740992", "\"number64\": \"18446744073709551615\"",
-        "\"bytes\": \"YQA=\"", "\"none\": []", "\"deleting\": true", "\"expandable\": \"%x%\"", "\"free\": 100"}) {
+        "\"bytes\": \"YQA=\"", "\"none\": []", "\"deleting\": true", "\"expandable\": \"%x%\"", "\"free\": 100",
+        "\"key\": \"S\\\\B\"", "\"mounted\": \"HKEY_USERS\\\\S-2\"", "\"store\": \"C:\\\\T\\\\p\\\\p.inf\"",
+        "\"path\": \"\\\\A b\\\\C\"", "\"remove_driver\": true", "\"running\": false"}) {
     EXPECT_NE(written.find(piece), std::string::npos) << piece;
   }
 }

@@ -1,6 +1,7 @@
 #include "platform/machine/hive_content.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <set>
 #include <string>
 #include <string_view>
@@ -50,10 +51,12 @@ void read_rows(const JsonNode& rows, RegistryTree& tree, KeyId root) {
 
 // The rows that a content holds; nothing where it is no hive.
 [[nodiscard]] std::optional<picojson::value> rows_of(const std::vector<std::uint8_t>& bytes) {
-  const std::string text(bytes.begin(), bytes.end());
-  if (text.compare(0, first_line.size(), first_line) != 0) return std::nullopt;
+  if (bytes.size() < first_line.size() || !std::equal(first_line.begin(), first_line.end(), bytes.begin())) {
+    return std::nullopt;
+  }
+  const std::string text(bytes.begin() + static_cast<std::ptrdiff_t>(first_line.size()), bytes.end());
   try {
-    return parse_json(std::string_view(text).substr(first_line.size()), "hive");
+    return parse_json(text, "hive");
   } catch (const DocumentError&) {
     return std::nullopt;
   }
@@ -93,11 +96,13 @@ std::vector<std::uint8_t> read_hive_rows(const JsonNode& node) {
 }
 
 std::optional<picojson::value> write_hive_rows(const std::vector<std::uint8_t>& bytes) {
+  auto rows = rows_of(bytes);
+  if (!rows) return std::nullopt;
   RegistryTree tree;
   const KeyId root = add_key(tree, tree.users, L"hive");
   // What somebody else wrote may mean the same in other words.
   if (!read_hive(bytes, tree, root) || hive_bytes(tree, root) != bytes) return std::nullopt;
-  return rows_of(bytes);
+  return rows;
 }
 
 }  // namespace machine

@@ -99,6 +99,8 @@ class Machine {
   [[nodiscard]] Registry& registry() { return registry_; }
   [[nodiscard]] Processes& processes() { return processes_; }
   [[nodiscard]] Com& com() { return com_; }
+  [[nodiscard]] TaskScheduler& tasks() { return tasks_; }
+  [[nodiscard]] DriverStore& drivers() { return drivers_; }
   [[nodiscard]] Modules& modules() { return modules_; }
   [[nodiscard]] Resources& resources() { return resources_; }
   [[nodiscard]] Environment& environment() { return environment_; }

@@ -50,7 +50,7 @@ void end_process(World& world, RunningProcess& process, std::uint32_t exit_code,
   State& state = world.state;
   const auto image = state.files.nodes.find(process.image);
   if (image != state.files.nodes.end()) --image->second.images;
-  for (const Effect& effect : effects) apply(state, effect);
+  for (const Effect& effect : effects) apply(state, effect, state.started[process.row].command_line);
   process.ended = true;
   process.exit_code = exit_code;
   state.started[process.row].exit_code = exit_code;

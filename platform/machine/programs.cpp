@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "platform/machine/driver_store.h"
 #include "platform/machine/file_lookup.h"
 #include "platform/machine/file_rules.h"
 #include "platform/machine/state.h"
@@ -81,7 +82,7 @@ void delete_key(RegistryTree& tree, KeyId key) {
 
 }  // namespace
 
-void apply(State& state, const Effect& effect) {
+void apply(State& state, const Effect& effect, std::wstring_view command_line) {
   switch (effect.kind) {
     case EffectKind::delete_file:
     case EffectKind::delete_folder: {
@@ -104,6 +105,8 @@ void apply(State& state, const Effect& effect) {
         state.registry.keys.at(key).values.insert_or_assign(effect.name, effect.value);
       }
       return;
+    case EffectKind::remove_driver:
+      return remove_driver(state, last_argument(command_line));
   }
 }
 

@@ -12,7 +12,7 @@ namespace machine {
 
 struct State;
 
-enum class EffectKind { delete_file, delete_folder, write_file, delete_key, delete_value, set_value };
+enum class EffectKind { delete_file, delete_folder, write_file, delete_key, delete_value, set_value, remove_driver };
 
 /// Something that a program does to the machine when it ends. What is absent or in use stays as it is.
 struct Effect {
@@ -38,7 +38,8 @@ using Programs = std::vector<Program>;
 /// at once with 0.
 [[nodiscard]] const Program* find_program(const Programs& programs, std::wstring_view image);
 
-/// Does one thing. An effect that is not possible is passed over, as a program's own failure is its own affair.
-void apply(State& state, const Effect& effect);
+/// Does one thing, for a program that was started with this command line. An effect that is not possible is passed
+/// over, as a program's own failure is its own affair.
+void apply(State& state, const Effect& effect, std::wstring_view command_line = {});
 
 }  // namespace machine

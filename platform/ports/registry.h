@@ -68,7 +68,8 @@ class Registry {
  public:
   virtual ~Registry() = default;
 
-  /// RegOpenKeyExW. An empty subkey opens the key anew. Links on the way are followed; the last part is too, unless
+  /// RegOpenKeyExW. `access` may ask for the view of 32-bit programs, else it is the other one; for both,
+  /// invalid_parameter. An empty subkey opens the key anew. Links on the way are followed; the last part is too, unless
   /// `options` has open_link.
   [[nodiscard]] virtual ErrorCode open(RegistryKey parent, const wchar_t* subkey, std::uint32_t options,
                                        std::uint32_t access, RegistryKey& out) = 0;
@@ -113,8 +114,10 @@ class Registry {
   /// the right `erase`. access_denied where it has subkeys. The handle still wants closing.
   [[nodiscard]] virtual ErrorCode remove(RegistryKey key) = 0;
 
-  /// RegDeleteTreeW: the key below `key` with all that is below it. Also key_has_children where something came in
-  /// meanwhile.
+  /// RegDeleteTreeW: the key below `key` with all that is below it; with an empty subkey, all that is in `key` alone.
+  /// Each key is opened by its name, so that links are followed: what a link leads to is deleted and the link stays,
+  /// and the deletion ends there with file_not_found, since it then leads nowhere. What went until a failure is gone.
+  /// Also key_has_children where something came in meanwhile.
   [[nodiscard]] virtual ErrorCode remove_tree(RegistryKey key, const wchar_t* subkey) = 0;
 
   /// RegLoadKeyW: mounts the hive file as a key right below `key`, which is users or local_machine; the file is the
