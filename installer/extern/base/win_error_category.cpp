@@ -22,6 +22,14 @@ const std::error_category& details::win_error_category() noexcept {
   return category;
 }
 
+std::error_code error_of(ports::ErrorCode code) noexcept {
+  return {static_cast<int>(code), category};
+}
+
+std::error_code last_error() {
+  return error_of(ports::system().errors.last());
+}
+
 void raise(ports::ErrorCode code, const char* what) {
   throw std::system_error(static_cast<int>(code), category, what);
 }

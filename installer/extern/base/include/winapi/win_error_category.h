@@ -11,6 +11,11 @@ namespace details {
 [[nodiscard]] const std::error_category& win_error_category() noexcept;
 }  // namespace details
 
+/// A Windows code, or an HRESULT as it is, as an error in the Windows category.
+[[nodiscard]] std::error_code error_of(ports::ErrorCode code) noexcept;
+/// The calling thread's last error in the same form; without error where that is 0.
+[[nodiscard]] std::error_code last_error();
+
 /// Raises `code` with `what` as a `std::system_error` in the Windows category.
 [[noreturn]] void raise(ports::ErrorCode code, const char* what);
 
