@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/machine/names.h"
+#include "platform/machine/signature.h"
 
 namespace machine {
 
@@ -42,9 +43,10 @@ struct FileNode {
   std::wstring target;       // of a link
   bool protect = false;      // only reading is allowed
   std::uint32_t images = 0;  // programs and modules that this run has going from it
-  bool mapped = false;       // somebody outside runs it
-  bool going = false;        // goes when the last hold does
-  FilePlace going_place;     // the name that goes
+  std::optional<Signature> signature;
+  bool mapped = false;    // somebody outside runs it
+  bool going = false;     // goes when the last hold does
+  FilePlace going_place;  // the name that goes
   std::vector<FileHold> holds;
   std::map<std::wstring, NodeId, NameLess> children;
   std::vector<FilePlace> places;  // all its names; none for a drive's root
@@ -54,12 +56,15 @@ struct Volume {
   NodeId root = 0;
   std::uint32_t serial = 0;
   bool identities = true;             // GetFileInformationByHandleEx knows FileIdInfo there
+  bool case_query = true;             // NtQueryInformationFile knows FileCaseSensitiveInformation there
   std::optional<std::uint64_t> free;  // bytes that can still be written; none for no end
+  std::wstring device;                // "\\Device\\HarddiskVolume2"; empty for one by the order of letters
 };
 
 /// All drives and what lies on them.
 struct FileTree {
-  std::map<std::wstring, Volume, NameLess> volumes;  // by drive, "C:"
+  std::map<std::wstring, Volume, NameLess> volumes;            // by drive, "C:"
+  std::map<std::wstring, std::wstring, NameLess> substitutes;  // by drive: the folder that it stands for
   std::unordered_map<NodeId, FileNode> nodes;
   NodeId last_node = 0;
   std::uint32_t next_temporary = 0x1000;  // four digits, as names of temporary files mostly have

@@ -12,7 +12,18 @@
 
 namespace machine {
 
-enum class ObjectKind { event, thread, process, file, search, other };
+enum class ObjectKind {
+  event,
+  thread,
+  process,
+  file,
+  search,
+  token,
+  certificate_store,
+  signed_message,
+  certificate,
+  other,
+};
 
 /// What a handle stands for. Derive from it to hold more; the object goes with its last handle (and last user).
 class Object {

@@ -52,10 +52,10 @@ Machine::Machine(State state, Options options)
       processes_(world_, handles_, scheduler_, ids_, errors_),
       inspection_(world_, handles_, errors_, processes_),
       tokens_(world_, handles_, errors_),
-      signatures_(world_, errors_),
+      signatures_(world_, handles_, errors_),
       modules_(world_, errors_),
       resources_(errors_),
-      environment_(world_),
+      environment_(world_, errors_),
       text_(errors_),
       winapi_(waits_, clock_, text_) {
   {
@@ -77,29 +77,10 @@ std::string Machine::to_json() {
 }
 
 ports::System Machine::system(ports::Engines& engines) {
-  return {errors_,
-          clock_,
-          threads_,
-          waits_,
-          files_,
-          registry_,
-          processes_,
-          inspection_,
-          tokens_,
-          signatures_,
-          modules_,
-          resources_,
-          environment_,
-          termination_,
-          text_,
-          log_streams_,
-          crashes_,
-          winapi_,
-          engines.cipher(),
-          engines.key_maker(),
-          engines.xml(),
-          engines.cng(),
-          Modules::library};
+  return {errors_,       clock_,          threads_,    waits_,   files_,           registry_,           processes_,
+          inspection_,   tokens_,         signatures_, modules_, resources_,       environment_,        termination_,
+          text_,         log_streams_,    crashes_,    winapi_,  engines.cipher(), engines.key_maker(), engines.xml(),
+          engines.cng(), Modules::library};
 }
 
 void Machine::add_resource(std::wstring_view type, std::uint16_t id, std::vector<std::uint8_t> bytes) {

@@ -95,6 +95,8 @@ class Machine {
   [[nodiscard]] Files& files() { return files_; }
   [[nodiscard]] Registry& registry() { return registry_; }
   [[nodiscard]] Processes& processes() { return processes_; }
+  [[nodiscard]] Tokens& tokens() { return tokens_; }
+  [[nodiscard]] Signatures& signatures() { return signatures_; }
   [[nodiscard]] Modules& modules() { return modules_; }
   [[nodiscard]] Resources& resources() { return resources_; }
   [[nodiscard]] Environment& environment() { return environment_; }

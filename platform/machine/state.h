@@ -6,6 +6,7 @@
 #include "platform/machine/environment_facts.h"
 #include "platform/machine/file_tree.h"
 #include "platform/machine/pending_moves.h"
+#include "platform/machine/privileges.h"
 #include "platform/machine/programs.h"
 #include "platform/machine/registry_tree.h"
 #include "platform/machine/started_process.h"
@@ -13,7 +14,7 @@
 
 namespace machine {
 
-/// Everything that a machine is, as plain data. What a machine file holds, and in `started` what it does not.
+/// Everything that a machine is, as plain data. What a machine file holds, and, in the last two, what it does not.
 struct State {
   ClockStart clock;
   EnvironmentFacts environment;
@@ -23,6 +24,7 @@ struct State {
   PendingMoves pending_moves;
   std::uint32_t next_id = 4;  // of processes and threads
   StartedProcesses started;
+  Privileges enabled_privileges = {privilege::change_notify};  // of this process's token
 };
 
 /// The state that the ports share. Its lock is the innermost: the scheduler and the handle table are not called under
