@@ -56,7 +56,7 @@ constexpr int most_links = 63;
       return walk(tree, without_substitute(tree, target.path), last, links - 1);
     }
     if (at_end) {
-      const auto entry = tree.nodes.at(folder).children.find(path.parts[i]);
+      const auto entry = find_child(tree.nodes.at(folder), path.parts[i]);
       return arrived(node, id, {folder, entry->first}, path.folder_wanted);
     }
     if (!node.folder) return failure(code::path_not_found);

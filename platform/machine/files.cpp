@@ -112,6 +112,7 @@ bool Files::write(Handle handle, std::span<const std::uint8_t> bytes, std::uint3
   if (end > node.size && !resize(tree, file->node, end)) return fail(code::disk_full);
   if (node.bytes.size() < end) node.bytes.resize(static_cast<std::size_t>(end));
   std::copy(bytes.begin(), bytes.end(), node.bytes.begin() + static_cast<std::ptrdiff_t>(begin));
+  if (!bytes.empty()) spoil_signature(node);
   file->position = end;
   written = static_cast<std::uint32_t>(bytes.size());
   return true;
@@ -154,7 +155,7 @@ ports::Status Files::case_sensitivity(Handle handle, std::uint32_t& flags) {
   if (!volume_of(world_.state.files, folder->node).case_query) return ports::status::invalid_info_class;
   const FileNode& node = world_.state.files.nodes.at(folder->node);
   if (!node.folder) return ports::status::invalid_parameter;
-  flags = 0;
+  flags = case_sensitive(node) ? 1 : 0;
   return ports::status::success;
 }
 

@@ -76,6 +76,7 @@ bool Files::create_folder(const wchar_t* path) {
   if (tree.nodes.at(place.place.folder).protect) return fail(code::access_denied);
   FileNode made;
   made.folder = true;
+  set_case_sensitive(made, case_sensitive(tree.nodes.at(place.place.folder)));
   add_node(tree, place.place.folder, place.place.name, std::move(made));
   return true;
 }
