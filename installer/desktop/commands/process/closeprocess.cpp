@@ -4,8 +4,8 @@
 #include "installer/desktop/commands/base/decipher.h"
 #include "installer/desktop/commands/base/expand.h"
 #include "installer/desktop/commands/base/standard_shape.h"
+#include "installer/extern/base/include/winapi/scoped_handle.h"
 #include "installer/utils/base/process/launch.h"
-#include "installer/utils/base/process/opened_process.h"
 #include "installer/utils/base/process/process_snapshot.h"
 #include "installer/utils/base/strings/case_fold.h"
 #include "installer/utils/base/strings/number.h"
@@ -22,18 +22,17 @@ namespace {
 constexpr wchar_t log_name[] = L"CloseProcess";
 
 /// The process with the right to terminate it or, where that is refused, only with that to wait for it.
-base::process::OpenedProcess OpenInTwoSteps(std::uint32_t pid) {
-  using base::process::OpenedProcess;
+winapi::scoped_handle OpenInTwoSteps(std::uint32_t pid) {
   namespace access = ports::process_access;
-  ports::Errors& errors = ports::system().errors;
-  OpenedProcess opened(access::terminate | access::synchronize, pid);
-  const ports::ErrorCode refusal = errors.last();
-  Trace(L"Process handle: %d\n", static_cast<std::int32_t>(static_cast<std::uintptr_t>(opened.get())));
-  if (opened) return opened;
+  const ports::System& system = ports::system();
+  winapi::scoped_handle both(system.inspection.open(access::terminate | access::synchronize, pid));
+  const ports::ErrorCode refusal = system.errors.last();
+  Trace(L"Process handle: %d\n", static_cast<std::int32_t>(static_cast<std::uintptr_t>(both.get())));
+  if (both.valid()) return both;
   Trace(L"Step 1: PROCESS_TERMINATE | SYNCHRONIZE Last error: %d\n", refusal);
-  opened = OpenedProcess(access::synchronize, pid);
-  if (!opened) Trace(L"Step 2: SYNCHRONIZE Last error: %d\n", errors.last());
-  return opened;
+  winapi::scoped_handle wait_alone(system.inspection.open(access::synchronize, pid));
+  if (!wait_alone.valid()) Trace(L"Step 2: SYNCHRONIZE Last error: %d\n", system.errors.last());
+  return wait_alone;
 }
 
 }  // namespace
@@ -91,8 +90,8 @@ bool CCloseProcess::Run() {
     Trace(L"Running command : success\n");
     return false;
   }
-  const base::process::OpenedProcess opened = OpenInTwoSteps(pid);
-  if (!opened) {
+  const winapi::scoped_handle opened = OpenInTwoSteps(pid);
+  if (!opened.valid()) {
     Trace(L"Cannot open process with pid %d\n", pid);
     Trace(L"Running command : failed\n");
     return false;

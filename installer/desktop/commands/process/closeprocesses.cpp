@@ -7,12 +7,12 @@
 #include "installer/desktop/commands/base/decipher.h"
 #include "installer/desktop/commands/base/expand.h"
 #include "installer/desktop/commands/base/trace.h"
+#include "installer/extern/base/include/winapi/scoped_handle.h"
 #include "installer/utils/base/fs/case_sensitive_dir.h"
 #include "installer/utils/base/fs/same_file.h"
 #include "installer/utils/base/process/desktop_launch.h"
 #include "installer/utils/base/process/image_path.h"
 #include "installer/utils/base/process/launch.h"
-#include "installer/utils/base/process/opened_process.h"
 #include "installer/utils/base/process/scoped_privilege.h"
 #include "installer/utils/base/strings/format.h"
 #include "installer/utils/base/strings/number.h"
@@ -140,17 +140,14 @@ void CCloseProcessesCommand::AskOne(const ProcessEntry& row, std::vector<ports::
   const auto found = FindCloseTarget(targets, row.name, path, base::fs::SameFile);
   if (!found) return LogNotOurs(row.name, path);
   namespace access = ports::process_access;
-  base::process::OpenedProcess process(access::terminate | access::synchronize, row.pid);
-  if (process) {
+  winapi::scoped_handle process(ports::system().inspection.open(access::terminate | access::synchronize, row.pid));
+  if (process.valid()) {
     // From here on the id cannot be recycled; that it was not before has to be seen.
     const std::wstring now = base::process::GetProcessImagePath(row.pid, error);
     if (!base::fs::SameFile(found->file.c_str(), now.c_str())) return LogNotOurs(row.name, now);
+    handles.push_back(process.get());
   }
-  const ports::Handle handle = process.get();
-  if (process) {
-    handles.push_back(handle);
-    static_cast<void>(process.release());
-  }
+  const ports::Handle handle = process.release();
   LogStream() << index << L": process='" << row.name << L"', pid=" << row.pid << L", handle=" << handle << L", error="
               << base::strings::format(L"%x", ports::system().errors.last());
   Request(*found->target, row.name);

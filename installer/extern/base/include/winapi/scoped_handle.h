@@ -23,6 +23,8 @@ class scoped_handle {
     return handle_ != ports::Handle::null && handle_ != ports::Handle::invalid;
   }
   [[nodiscard]] ports::Handle get() const noexcept { return handle_; }
+  /// Gives the handle up: the caller closes it, or leaves it open.
+  [[nodiscard]] ports::Handle release() noexcept { return std::exchange(handle_, ports::Handle::null); }
 
  private:
   ports::Handle handle_;
