@@ -4,6 +4,7 @@
 #include <string>
 
 #include "platform/machine/privileges.h"
+#include "platform/machine/running.h"
 
 namespace machine {
 
@@ -21,6 +22,8 @@ struct EnvironmentFacts {
   bool elevated = true;
   bool desktop = true;                   // a shell runs
   bool may_link = true;                  // symbolic links may be made
+  bool wow64 = false;                    // the process is a 32-bit one
+  std::optional<RunningProgram> parent;  // the process that started this one, where it still runs
   std::optional<Privileges> privileges;  // of the process's token; none for those of its kind of user
   friend bool operator==(const EnvironmentFacts&, const EnvironmentFacts&) = default;
 };

@@ -1,7 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
+#include <optional>
 #include <span>
+#include <string>
+#include <string_view>
 
 #include "platform/machine/state.h"
 #include "platform/ports/inspection.h"
@@ -13,13 +17,14 @@ class Errors;
 namespace machine {
 
 class HandleTable;
+class ProcessTable;
 class Processes;
+struct RunningProcess;
 
 /// What the machine's processes are and hold.
 class Inspection final : public ports::ProcessInspection {
  public:
-  Inspection(World& world, HandleTable& handles, ports::Errors& errors, Processes& processes)
-      : world_(world), handles_(handles), errors_(errors), processes_(processes) {}
+  Inspection(World& world, HandleTable& handles, ports::Errors& errors, Processes& processes);
 
   [[nodiscard]] ports::Handle snapshot() override;
   [[nodiscard]] bool first(ports::Handle snapshot, ports::ProcessRow& row) override;
@@ -34,12 +39,20 @@ class Inspection final : public ports::ProcessInspection {
   [[nodiscard]] bool read_memory(ports::Handle process, std::uint64_t address, std::span<std::uint8_t> into) override;
 
  private:
+  /// A process as a handle gives access to it.
+  struct Opened {
+    std::shared_ptr<RunningProcess> process;
+    std::uint32_t access = 0;
+    std::shared_ptr<const void> handle;  // keeps the process held
+  };
+
   bool fail(ports::ErrorCode error);
+  [[nodiscard]] Opened find(ports::Handle handle);
 
   World& world_;
   HandleTable& handles_;
   ports::Errors& errors_;
-  Processes& processes_;
+  const std::shared_ptr<ProcessTable>& table_;
 };
 
 }  // namespace machine

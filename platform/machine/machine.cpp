@@ -5,6 +5,7 @@
 #include "platform/machine/document.h"
 #include "platform/machine/document_sections.h"
 #include "platform/machine/file_lookup.h"
+#include "platform/machine/process_table.h"
 #include "platform/ports/build.h"
 
 namespace machine {
@@ -49,7 +50,7 @@ Machine::Machine(State state, Options options)
       log_streams_(world_, files_, handles_, copies_),
       crashes_(files_),
       registry_(world_),
-      processes_(world_, handles_, scheduler_, ids_, errors_),
+      processes_(world_, handles_, scheduler_, ids_, errors_, termination_),
       inspection_(world_, handles_, errors_, processes_),
       tokens_(world_, handles_, errors_),
       signatures_(world_, handles_, errors_),
@@ -62,6 +63,7 @@ Machine::Machine(State state, Options options)
     const ports::Lock lock(world_.mutex);
     world_.state = std::move(state);
   }
+  processes_.table()->populate();
   termination_.show_faults_to(crashes_);
   entered_.emplace(scheduler_, ids_.take());
 }
@@ -93,9 +95,11 @@ void Machine::add_procedure(ports::Module module, std::string name, ports::Proce
 
 State Machine::state() {
   const ClockStart clock = clock_.state();
+  RunningPrograms processes = processes_.table()->survivors();
   const ports::Lock lock(world_.mutex);
   State copy = world_.state;
   copy.clock = clock;
+  copy.processes = std::move(processes);
   copy.next_id = ids_.next();
   return copy;
 }

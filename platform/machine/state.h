@@ -9,12 +9,13 @@
 #include "platform/machine/privileges.h"
 #include "platform/machine/programs.h"
 #include "platform/machine/registry_tree.h"
+#include "platform/machine/running.h"
 #include "platform/machine/started_process.h"
 #include "platform/ports/mutex.h"
 
 namespace machine {
 
-/// Everything that a machine is, as plain data. What a machine file holds, and, in the last two, what it does not.
+/// Everything that a machine is, as plain data. What a machine file holds, and, from `started` on, what it does not.
 struct State {
   ClockStart clock;
   EnvironmentFacts environment;
@@ -22,8 +23,12 @@ struct State {
   RegistryTree registry;
   Programs programs;
   PendingMoves pending_moves;
-  std::uint32_t next_id = 4;  // of processes and threads
+  /// What runs beside this process and its parent, as the machine begins and in a copy of its state. A machine that
+  /// goes keeps them in its process table.
+  RunningPrograms processes;
+  std::uint32_t next_id = 8;  // of processes and threads
   StartedProcesses started;
+  EndedProcesses ended;
   Privileges enabled_privileges = {privilege::change_notify};  // of this process's token
 };
 

@@ -87,6 +87,7 @@ std::uint32_t Waits::wait(std::span<const ports::Handle> handles, bool all, std:
   for (const ports::Handle handle : handles) {
     const auto object = handles_.find(handle);
     if (object == nullptr || object->waitable() == nullptr) return fail(ports::code::invalid_handle);
+    if (!object->may_wait()) return fail(ports::code::access_denied);
     objects.push_back(object->waitable());
   }
   if (all && has_doubles(objects)) return fail(ports::code::invalid_parameter);
