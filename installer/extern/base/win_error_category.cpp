@@ -3,6 +3,7 @@
 #include <string>
 
 #include "platform/ports/system.h"
+#include "platform/ports/text.h"
 
 namespace winapi {
 
@@ -11,7 +12,10 @@ namespace {
 class WinErrorCategory final : public std::error_category {
  public:
   [[nodiscard]] const char* name() const noexcept override { return "win"; }
-  [[nodiscard]] std::string message(int code) const override { return "error " + std::to_string(code); }
+  [[nodiscard]] std::string message(int code) const override {
+    std::string text = ports::system().text.system_message(static_cast<ports::ErrorCode>(code));
+    return text.empty() ? "unknown error " + std::to_string(code) : text;
+  }
 };
 
 const WinErrorCategory category{};

@@ -7,7 +7,8 @@
 namespace winapi {
 
 namespace details {
-/// The category of Windows error codes: `std::system_error` of this system carries it in both builds.
+/// The category of Windows error codes: `std::system_error` of this system carries it in both builds. Its messages are
+/// the bound system's, so that one has to be bound when such an error is made or printed.
 [[nodiscard]] const std::error_category& win_error_category() noexcept;
 }  // namespace details
 
