@@ -82,6 +82,25 @@ TEST(Document, ABadOneIsRefusedWithFilePlaceAndReason) {
       {with(R"("clock": {"now": "2023-02-29T00:00:00.000Z"})"),
        "m.json: clock.now: a moment in UTC is wanted here, as \"2024-05-14T07:30:00.000Z\""},
       {with(R"("environment": {"elevated": "yes"})"), "m.json: environment.elevated: true or false is wanted here"},
+      {with(R"("drives": {"C:": {"device": "\\Device\\HarddiskVolume2"}, "D:": {}})"),
+       "m.json: drives: two drives have the same device"},
+      {with(R"("drives": {"C:": {"device": "C"}})"),
+       "m.json: drives.C:.device: a device is wanted here, as \"\\Device\\HarddiskVolume1\""},
+      {with(R"("drives": {"S:": {"substitute": "D:\\a"}})"), "m.json: drives.S:.substitute: there is no such drive"},
+      {with(R"("drives": {"C:": {}, "S:": {"substitute": "C:\\a"}}, "files": [{"path": "S:\\a"}])"),
+       "m.json: files[0].path: the files of a substitute lie on another drive"},
+      {with(R"("files": [{"path": "C:\\a", "case_sensitive": true}])"),
+       "m.json: files[0]: only a folder is \"case_sensitive\""},
+      {with(R"("files": [{"path": "C:\\a.html", "short_name": "A~1.HTML"}])"),
+       "m.json: files[0].short_name: a short name is wanted here, as \"PROGRA~1\" or \"README~1.TXT\""},
+      {with(R"("files": [{"path": "C:\\a.html", "short_name": "b"}, {"path": "C:\\B"}])"),
+       "m.json: files[0].short_name: this name is taken in the folder"},
+      {with(R"("files": [{"path": "C:\\a", "signature": {"subject": "x", "trust": "odd"}}])"),
+       "m.json: files[0].signature.trust: \"odd\" is not known here"},
+      {with(R"("files": [{"path": "C:\\a", "signature": {"subject": "x", "serial": "123"}}])"),
+       "m.json: files[0].signature.serial: pairs of the digits 0 to 9 and a to f are wanted here"},
+      {with(R"("environment": {"privileges": ["SeOdd"]})"),
+       "m.json: environment.privileges[0]: a privilege is wanted here, as \"SeDebugPrivilege\""},
       {with(R"("drives": {"c:": {}})"), "m.json: drives.c:: a drive is named as \"C:\""},
       {with(R"("pending_moves": [{"from": "C:\\a", "replace": true}])"),
        "m.json: pending_moves[0]: what is deleted replaces nothing"},
@@ -93,8 +112,10 @@ TEST(Document, SaysItAllAndComesBackTheSame) {
   const std::string text = with(R"(
     "clock": {"now": "2024-02-29T23:59:59.999Z", "offset_minutes": -330, "ticks": 4294967295},
     "counters": {"id": 400, "temporary_file": 65535},
-    "drives": {"C:": {"serial": 1, "free": 100}, "E:": {"identities": false}},
-    "environment": {"temp": "C:\\T", "user": "S-1", "desktop": false, "command_line": "a \"b\""},
+    "drives": {"C:": {"serial": 1, "free": 100}, "E:": {"identities": false, "case_query": false},
+      "F:": {"device": "\\Device\\HarddiskVolume10"}, "S:": {"substitute": "C:\\T"}},
+    "environment": {"temp": "C:\\T", "user": "S-1", "desktop": false, "command_line": "a \"b\"",
+      "privileges": ["SeRestorePrivilege"]},
     "files": [
       {"path": "C:\\T", "folder": true, "attributes": ["hidden"]},
       {"path": "C:\\T\\a.txt", "text": "\u00e4\n", "attributes": []},
@@ -102,6 +123,12 @@ TEST(Document, SaysItAllAndComesBackTheSame) {
       {"path": "C:\\T\\c.exe", "size": 9007199254740992, "running": true},
       {"path": "C:\\T\\other name", "same_as": "C:\\T\\c.exe"},
       {"path": "C:\\T\\held", "open": [{"access": ["read"], "share": ["delete"]}], "deleting": true},
+      {"path": "C:\\T\\cs\\Sub\\x"}, {"path": "C:\\T\\cs\\sub\\X", "size": 3},
+      {"path": "C:\\T\\cs\\sub", "case_sensitive": true, "folder": true, "short_name": "SUB~1"},
+      {"path": "C:\\T\\cs", "case_sensitive": true, "folder": true},
+      {"path": "C:\\T\\cs\\sub\\x", "same_as": "C:\\T\\b.bin", "short_name": "X~1.BIN"},
+      {"path": "C:\\T\\s1", "signature": {"subject": "a", "issuer": "b", "serial": "00ff", "trust": "tampered"}},
+      {"path": "C:\\T\\s2", "signature": {"subject": "a", "trust": 2148098057, "certificate": false}},
       {"path": "E:\\link", "link": {"symbolic": "..\\x"}, "folder": true},
       {"path": "E:\\way", "link": {"junction": "C:\\T"}},
       {"path": "E:\\name. ", "size": 0}],
@@ -120,7 +147,9 @@ TEST(Document, SaysItAllAndComesBackTheSame) {
   for (const char* piece :
        {"\"now\": \"2024-02-29T23:59:59.999Z\"", "\"offset_minutes\": -330", "\"same_as\": \"C:\\\\T\\\\c.exe\"",
         "\"path\": \"E:\\\\name. \"", "\"size\": 9007199254740992", "\"number64\": \"18446744073709551615\"",
-        "\"bytes\": \"YQA=\"", "\"none\": []", "\"deleting\": true", "\"expandable\": \"%x%\"", "\"free\": 100"}) {
+        "\"bytes\": \"YQA=\"", "\"none\": []", "\"deleting\": true", "\"expandable\": \"%x%\"", "\"free\": 100",
+        "\"path\": \"C:\\\\T\\\\cs\\\\sub\\\\X\"", "\"short_name\": \"X~1.BIN\"", "\"serial\": \"00ff\"",
+        "\"trust\": \"tampered\"", "\"trust\": 2148098057", "\"substitute\": \"C:\\\\T\"", "SeRestorePrivilege"}) {
     EXPECT_NE(written.find(piece), std::string::npos) << piece;
   }
 }
