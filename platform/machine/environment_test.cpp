@@ -30,7 +30,7 @@ TEST(MachineEnvironment, ADriveStandsForItsDevice) {
   } rows[] = {
       {L"C:", 64, L"\\Device\\HarddiskVolume1\0\0"sv, 0}, {L"d:", 64, L"\\Device\\HarddiskVolume10\0\0"sv, 0},
       {L"E:", 64, L"\\Device\\HarddiskVolume3\0\0"sv, 0}, {L"S:", 64, L"\\??\\D:\\folder\0\0"sv, 0},
-      {L"S:", 16, L"\\??\\D:\\folder\0\0"sv, 0},          {L"S:", 15, L""sv, code::insufficient_buffer},
+      {L"S:", 15, L"\\??\\D:\\folder\0\0"sv, 0},          {L"S:", 14, L""sv, code::insufficient_buffer},
       {L"A:", 64, L""sv, code::file_not_found},           {L"C:\\", 64, L""sv, code::file_not_found},
   };
   for (const auto& row : rows) {

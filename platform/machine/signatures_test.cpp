@@ -4,6 +4,7 @@
 
 #include <array>
 
+#include "platform/machine/file_rules.h"
 #include "platform/ports/codes.h"
 #include "tests/support/named_world.h"
 
@@ -24,7 +25,7 @@ class MachineSignatures : public testing::Test {
     }
     world.node(L"C:\\late.dll").signature->trust = trust::expired;
     world.node(L"C:\\bare.dll").signature->certificate = false;
-    world.held(L"C:\\held.dll", ports::file_access::generic_write, 0);
+    world.held(L"C:\\held.dll", file_right::write_data, 0);
     machine = world.make();
   }
 
