@@ -125,11 +125,7 @@ RunningProgram read_process(const JsonNode& row, ProcessPlace place) {
   program.image = read_path_text(row.member("image"));
   program.name = row.text_or("name", L"");
   program.command_line = row.text_or("command_line", L"\"" + program.image + L"\"");
-  if (const auto folder = row.find("current_folder")) {
-    program.folder = read_path_text(*folder);
-  } else {
-    program.folder = program.image.substr(0, program.image.rfind(L'\\'));
-  }
+  program.folder = row.text_or("current_folder", program.image.substr(0, program.image.find_last_of(L'\\') + 1));
   if (const auto after = row.find("ends_after")) program.ends_after = read_milliseconds(*after);
   read_temper(row, program.temper);
   if (const auto succession = row.find("gives_way")) read_succession(*succession, program);
@@ -143,7 +139,7 @@ picojson::value write_process(const RunningProgram& program) {
   row["image"] = json_text(program.image);
   if (!program.name.empty() && program.name != last_part(program.image)) row["name"] = json_text(program.name);
   row["command_line"] = json_text(program.command_line);
-  row["current_folder"] = json_text(program.folder);
+  if (!program.folder.empty()) row["current_folder"] = json_text(program.folder);
   if (program.ends_after) row["ends_after"] = json_number(*program.ends_after);
   write_temper(program.temper, row);
   for (const Moment& moment : moments) {

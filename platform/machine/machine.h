@@ -97,6 +97,7 @@ class Machine {
   [[nodiscard]] Processes& processes() { return processes_; }
   [[nodiscard]] Tokens& tokens() { return tokens_; }
   [[nodiscard]] Signatures& signatures() { return signatures_; }
+  [[nodiscard]] Inspection& inspection() { return inspection_; }
   [[nodiscard]] Modules& modules() { return modules_; }
   [[nodiscard]] Resources& resources() { return resources_; }
   [[nodiscard]] Environment& environment() { return environment_; }

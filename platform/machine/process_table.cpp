@@ -70,6 +70,7 @@ ProcessPointer ProcessTable::add(Core& core, Kind kind, RunningProgram program) 
   auto process = std::make_shared<RunningProcess>();
   if (program.id == 0 || find(program.id) != nullptr) program.id = ids_.take();
   if (program.name.empty()) program.name = last_part(program.image);
+  if (program.folder.empty()) program.folder = program.image.substr(0, program.image.find_last_of(L'\\') + 1);
   process->kind = kind;
   process->image = file_of(world_.state, program.image);
   if (process->image != 0) ++world_.state.files.nodes.at(process->image).images;
