@@ -151,9 +151,9 @@ TEST_F(Checker, FamiliesAreLookedAtUpToTheirEnd) {
   const std::string entry = " process2='a.exe' cmd2='' currentDir2='C:\\' ";
   EXPECT_EQ(
       found_in("<CloseProcesses id='a' maxTimeout='1' next='#end'" + entry + "/>\n"),
-      "2:50 numbered-gap: \"process2\" is never looked at: the element has 5 attributes, which lets numbers go up to "
-      "1\n2:66 numbered-gap: \"cmd2\" is never looked at: the element has 5 attributes, which lets numbers go up to "
-      "1\n2:74 numbered-gap: \"currentDir2\" is never looked at: the element has 5 attributes, which lets numbers "
+      "2:51 numbered-gap: \"process2\" is never looked at: the element has 5 attributes, which lets numbers go up to "
+      "1\n2:68 numbered-gap: \"cmd2\" is never looked at: the element has 5 attributes, which lets numbers go up to "
+      "1\n2:76 numbered-gap: \"currentDir2\" is never looked at: the element has 5 attributes, which lets numbers "
       "go up to 1\n")
       << "three attributes a number, and the id is none of them";
   EXPECT_EQ(found_in("<CloseProcesses maxTimeout='1' next='#end' errVar='A' execCondition='RTL'" + entry + "/>\n"), "");
