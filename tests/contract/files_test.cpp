@@ -304,9 +304,10 @@ TEST_P(Files, AFolderSaysWhetherItTellsNamesApartByCase) {
   const ports::Status status = files().case_sensitivity(folder, flags);
   EXPECT_EQ(flags, 0U);
   expect_but_for_wine("case-sensitive folders", status == ports::status::success);
-  if (!ports::status_ok(status)) EXPECT_EQ(status, ports::status::invalid_info_class);
+  EXPECT_TRUE(ports::status_ok(status) || status == ports::status::invalid_info_class) << status;
   EXPECT_TRUE(close(folder));
-  EXPECT_EQ(files().case_sensitivity(Handle::null, flags), ports::status::invalid_handle);
+  expect_but_for_wine("case-sensitive folders",
+                      files().case_sensitivity(Handle::null, flags) == ports::status::invalid_handle);
 }
 
 TEST_P(Files, AStatusHasItsCode) {
