@@ -121,6 +121,8 @@ All requests go out before the wait begins. At most 64 programs can be waited fo
 run are terminated at once. A program that could not be asked is terminated after the limit as well; one
 that cannot be opened is asked and otherwise left alone.
 
+Where the system gives no list of processes, an exception ends the run.
+
 A number with an undefined variable is left out, with a line in the log. What is expanded at the first run
 stays as it is then; in a loop, later runs see the first run's values.)",
     .attributes = close_processes_attributes,

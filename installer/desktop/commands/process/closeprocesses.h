@@ -25,8 +25,9 @@ namespace ky {
 ///   program's arguments alone)
 /// Keys read: the variables in cmd<n> and currentDir<n>
 /// Keys written: none
-/// Results: 0, whatever became of the processes; 1359 when another thread is inside. A load without maxTimeout gives
-///   the base's result and has no entries.
+/// Results: 0, whatever became of the processes; 1359 when another thread is inside. Where the system gives no list of
+///   processes a `std::system_error` leaves the command. A load without maxTimeout gives the base's result and has no
+///   entries.
 class CCloseProcessesCommand final : public Destroyable<CCloseProcessesCommand, CInstallCommand> {
  public:
   std::uint32_t Execute(std::uintptr_t first, std::uintptr_t second) override;
