@@ -114,6 +114,7 @@ class FaultyCodePages final : public Faulty<ports::CodePages> {
       return inner_.to_narrow(code_page, flags, source, source_length, destination, destination_length);
     });
   }
+  std::string system_message(ports::ErrorCode code) override { return inner_.system_message(code); }
 };
 
 /// Threads that do not start by plan.

@@ -57,6 +57,7 @@ struct OpenMode {
   if (!resize(tree, id, begin + bytes.size())) return false;
   node.bytes.resize(static_cast<std::size_t>(begin));
   node.bytes.insert(node.bytes.end(), bytes.begin(), bytes.end());
+  spoil_signature(node);
   return true;
 }
 

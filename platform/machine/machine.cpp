@@ -5,6 +5,7 @@
 #include "platform/machine/document.h"
 #include "platform/machine/document_sections.h"
 #include "platform/machine/file_lookup.h"
+#include "platform/machine/process_table.h"
 #include "platform/ports/build.h"
 
 namespace machine {
@@ -49,21 +50,22 @@ Machine::Machine(State state, Options options)
       log_streams_(world_, files_, handles_, copies_),
       crashes_(files_),
       registry_(world_),
-      processes_(world_, handles_, scheduler_, ids_, errors_, com_),
+      processes_(world_, handles_, scheduler_, ids_, errors_, termination_, com_),
       tasks_(world_, com_),
       drivers_(world_, errors_),
       inspection_(world_, handles_, errors_, processes_),
       tokens_(world_, handles_, errors_),
-      signatures_(world_, errors_),
+      signatures_(world_, handles_, errors_),
       modules_(world_, errors_),
       resources_(errors_),
-      environment_(world_),
+      environment_(world_, errors_),
       text_(errors_),
       winapi_(waits_, clock_, text_) {
   {
     const ports::Lock lock(world_.mutex);
     world_.state = std::move(state);
   }
+  processes_.table()->populate();
   termination_.show_faults_to(crashes_);
   entered_.emplace(scheduler_, ids_.take());
 }
@@ -117,9 +119,11 @@ void Machine::add_procedure(ports::Module module, std::string name, ports::Proce
 
 State Machine::state() {
   const ClockStart clock = clock_.state();
+  RunningPrograms processes = processes_.table()->survivors();
   const ports::Lock lock(world_.mutex);
   State copy = world_.state;
   copy.clock = clock;
+  copy.processes = std::move(processes);
   copy.next_id = ids_.next();
   return copy;
 }

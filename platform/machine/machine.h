@@ -74,8 +74,8 @@ class Machine {
   /// The machine that a document describes. `file_name` is for messages alone. Throws `DocumentError`.
   [[nodiscard]] static std::unique_ptr<Machine> from_json(std::string_view text, const std::string& file_name,
                                                           Options options = {});
-  /// The document of this machine as it stands; its clock goes on from here. What belongs to this process, like open
-  /// handles and programs that run, is left out.
+  /// The document of this machine as it stands; its clock goes on from here. Other processes go on running; what belongs
+  /// to this one, like its open handles, is left out.
   [[nodiscard]] std::string to_json();
 
   /// The ports, with the engines of the build. They live as long as the machine and the engines.
@@ -101,6 +101,9 @@ class Machine {
   [[nodiscard]] Com& com() { return com_; }
   [[nodiscard]] TaskScheduler& tasks() { return tasks_; }
   [[nodiscard]] DriverStore& drivers() { return drivers_; }
+  [[nodiscard]] Tokens& tokens() { return tokens_; }
+  [[nodiscard]] Signatures& signatures() { return signatures_; }
+  [[nodiscard]] Inspection& inspection() { return inspection_; }
   [[nodiscard]] Modules& modules() { return modules_; }
   [[nodiscard]] Resources& resources() { return resources_; }
   [[nodiscard]] Environment& environment() { return environment_; }

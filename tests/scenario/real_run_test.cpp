@@ -89,6 +89,24 @@ TEST_P(RealRuns, GiveTheCommandsAndGlobalsOfTheRehearsal) {
   EXPECT_FALSE(read_text(desk::join(out, "log.txt")).empty());
 }
 
+TEST(RealRuns, ReadTheSwitchesOfTheirParentsLine) {
+  const std::string out = output_folder("parent");
+  const std::string script = desk::join(out, "parent.xml");
+  ASSERT_EQ(desk::write_file(script,
+                             "<install version=\"1.0\"><commands><CommandLineParser knownParams=\"/silent "
+                             "/update /pixel_url=\"/></commands></install>"),
+            "");
+  // The child starts what follows its dashes and waits for it.
+  EXPECT_EQ(
+      run_program(desk_path(KY_CHILD), {"/silent", "/secret=abc", "/pixel_url=Gr\u00FC\u00DFe",
+                                        "0\" -- \"" + desk_path(KY_PROGRAM), "run", "--script", script, "--out", out}),
+      0);
+  const picojson::value globals = parse(read_text(desk::join(out, "result.json"))).get("globals");
+  EXPECT_EQ(globals.get("int_Silent").serialize(), "1");
+  EXPECT_EQ(globals.get("int_RunUpdate").serialize(), "0");
+  EXPECT_EQ(globals.get("String_ParrentCommandLine").to_str(), "/silent /pixel_url=Gr\u00FC\u00DFe\"");
+}
+
 std::vector<Sample> runnable() {
   std::vector<Sample> out;
   std::copy_if(samples().begin(), samples().end(), std::back_inserter(out),

@@ -16,6 +16,9 @@ class SwitchedEnvironment final : public ports::Environment {
 
   std::wstring folder(ports::KnownFolder which) override { return inner_.folder(which); }
   std::wstring command_line() override;
+  std::uint32_t dos_device(const wchar_t* name, std::span<wchar_t> into) override {
+    return inner_.dos_device(name, into);
+  }
 
  private:
   ports::Environment& inner_;

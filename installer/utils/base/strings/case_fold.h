@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <string>
 #include <string_view>
 
 /// Case folding is ASCII in both builds, as in the C locale.
@@ -8,6 +9,12 @@ namespace base::strings {
 
 [[nodiscard]] constexpr wchar_t to_lower(wchar_t c) {
   return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c - L'A' + L'a') : c;
+}
+
+[[nodiscard]] inline std::wstring lower_cased(std::wstring_view text) {
+  std::wstring lowered(text);
+  for (wchar_t& c : lowered) c = to_lower(c);
+  return lowered;
 }
 
 [[nodiscard]] constexpr bool equal_ignoring_case(std::wstring_view a, std::wstring_view b) {

@@ -1,0 +1,83 @@
+#include "installer/desktop/commands/registry/regkeyexistscommand.h"
+
+#include "platform/ports/codes.h"
+#include "platform/ports/termination.h"
+#include "tests/support/command_fixture.h"
+#include "tests/support/named_world.h"
+
+namespace ky {
+namespace {
+
+using Attributes = CommandWorld::Attributes;
+using Lines = std::vector<std::wstring>;
+
+struct Trial : CommandWorld {
+  explicit Trial(machine::Options options = {}) : CommandWorld(layout().state, std::move(options)) {}
+  static support::NamedWorld layout() {
+    support::NamedWorld world;
+    world.key(L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Tavrine").key(L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Classes\\.kyx");
+    world.key(std::wstring(L"HKEY_USERS\\") + support::NamedWorld::anna + L"\\Software\\Anna");
+    return world;
+  }
+};
+
+Attributes looking_for(const char* base, const char* subkey, const std::string& variable = "Found") {
+  return {{"base", base}, {"subkey", subkey}, {"variable", variable}};
+}
+
+TEST(RegKeyExists, StoresOneForAKeyThatIsThereAndLeavesTheVariableOtherwise) {
+  const struct {
+    const char* base;
+    const char* subkey;
+    bool found;
+  } rows[] = {
+      {"HKEY_LOCAL_MACHINE", "SOFTWARE\\Tavrine", true}, {"HKEY_LOCAL_MACHINE", "[Branch]tavrine", true},
+      {"HKEY_LOCAL_MACHINE", "", true},                  {"HKEY_CLASSES_ROOT", ".kyx", true},
+      {"HKEY_CURRENT_USER", "Software\\Anna", true},     {"HKEY_USERS", ".DEFAULT", true},
+      {"HKEY_USERS", "Software\\Anna", false},           {"HKEY_LOCAL_MACHINE", "SOFTWARE\\Other", false},
+      {"HKEY_LOCAL_MACHINE", "[None]Tavrine", false},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.subkey);
+    Trial run;
+    run.put("Branch", L"SOFTWARE\\");
+    run.put("Found", 7);
+    run.run("RegKeyExists", looking_for(row.base, row.subkey));
+    EXPECT_EQ(run.get_int("Found"), row.found ? 1 : 7);
+  }
+}
+
+TEST(RegKeyExists, TellsTheKeyAsItIsLookedForAndKeepsItSo) {
+  Trial run;
+  const auto command = run.run("RegKeyExists", looking_for("HKEY_LOCAL_MACHINE", "SOFTWARE\\[Product]"));
+  EXPECT_EQ(run.log, (Lines{L"5: RegKeyExists 'SOFTWARE\\[Product]' Begin.\n",
+                            L"5: RegKeyExists Cannot open key 'SOFTWARE\\[Product]'.\n",
+                            L"5: RegKeyExists End execute. Next command 6.\n"}));
+  EXPECT_EQ(run.get_int("Found"), 0);
+  for (const wchar_t* product : {L"Tavrine", L"Other"}) {
+    run.put("Product", product);
+    run.log.clear();
+    EXPECT_EQ(command->Execute(0, 0), 0u);
+    EXPECT_EQ(run.log, (Lines{L"5: RegKeyExists 'SOFTWARE\\Tavrine' Begin.\n",
+                              L"5: RegKeyExists Opened key 'SOFTWARE\\Tavrine'.\n",
+                              L"5: RegKeyExists End execute. Next command 6.\n"}));
+  }
+  EXPECT_EQ(run.get_int("Found"), 1);
+  EXPECT_TRUE(command->executed);
+  EXPECT_FALSE(command->GuardHeld());
+}
+
+/// Notes with which rights keys are opened.
+class NotingRegistry final : public machine_registry_base {};
+
+TEST(RegKeyExists, AKeyThatMayNotBeReadCountsAsAbsent) {
+  Trial run;
+  run.faulty.fail(faults::Operation::registry_open, run.faulty.calls(faults::Operation::registry_open) + 1, false,
+                  ports::code::access_denied);
+  run.run("RegKeyExists", looking_for("HKEY_LOCAL_MACHINE", "SOFTWARE\\Tavrine"));
+  EXPECT_EQ(run.log.at(1), L"5: RegKeyExists Cannot open key 'SOFTWARE\\Tavrine'.\n");
+  EXPECT_EQ(run.get_int("Found"), 0);
+}
+
+}  // namespace
+}  // namespace ky
