@@ -5,11 +5,15 @@
 
 #include "host/script/schema/data.h"
 #include "host/script/schema/diagnostics.h"
+#include "host/script/schema/drivers.h"
 #include "host/script/schema/files.h"
 #include "host/script/schema/flow.h"
+#include "host/script/schema/hives.h"
 #include "host/script/schema/host_deletions.h"
 #include "host/script/schema/host_values.h"
 #include "host/script/schema/process.h"
+#include "host/script/schema/registry.h"
+#include "host/script/schema/tasks.h"
 #include "ky/factories.h"
 #include "ky/keys.h"
 
@@ -18,6 +22,7 @@ namespace host {
 namespace {
 
 constexpr CommandSchema commands[] = {
+    schema::cleanup_inf,
     schema::clear_old_logs,
     schema::close_process,
     schema::close_processes,
@@ -25,6 +30,7 @@ constexpr CommandSchema commands[] = {
     schema::crash_handler,
     schema::delete_file,
     schema::delete_folder,
+    schema::delete_ifeo_keys,
     schema::delete_reg_key,
     schema::delete_reg_value,
     schema::evaluate,
@@ -35,7 +41,12 @@ constexpr CommandSchema commands[] = {
     schema::logger,
     schema::nop,
     schema::path_exists,
+    schema::reg_key_exists,
+    schema::reg_load_all_user_hives,
+    schema::reg_unload_previously_loaded_user_hives,
+    schema::remove_scheduled_task,
     schema::run_command,
+    schema::run_dll32,
     schema::set_progress,
     schema::set_variable,
 };

@@ -13,12 +13,14 @@
 /// The exported factories: FACTORY(export's stem, class). A script's element `Stem` is made by `GetC<Stem>Command`.
 /// Two stems differ from their class's name on purpose: hosts look for them.
 #define KY_FACTORIES(FACTORY) \
+  FACTORY(CleanupINF, CCleanupINFCommand) \
   FACTORY(ClearOldLogs, CClearOldLogsCommand) \
   FACTORY(CloseProcess, CCloseProcess) \
   FACTORY(CloseProcesses, CCloseProcessesCommand) \
   FACTORY(CommandLineParser, CCommandLineParserCommand) \
   FACTORY(CrashHandler, CCrashHandlerCommand) \
   FACTORY(DeleteFile, CDeleteFileCommand) \
+  FACTORY(DeleteIfeoKeys, CDeleteIfeoKeysCommand) \
   FACTORY(Evaluate, CEvaluateCommand) \
   FACTORY(GetDateTime, CGetDateTimeCommand) \
   FACTORY(GetStringFromXml, CGetStringFromXmlCommand) \
@@ -26,7 +28,12 @@
   FACTORY(LoadFilesFromResources, CLoadFilesFromResourcesCommand) \
   FACTORY(Logger, CLoggerCommand) \
   FACTORY(Nop, CNopCommand) \
-  FACTORY(PathExists, CPathExistsCommand)
+  FACTORY(PathExists, CPathExistsCommand) \
+  FACTORY(RegKeyExists, CRegKeyExistsCommand) \
+  FACTORY(RegLoadAllUserHives, CRegLoadAllUserHivesCommand) \
+  FACTORY(RegUnloadPreviouslyLoadedUserHives, CRegUnloadPreviouslyLoadedUserHives) \
+  FACTORY(RemoveScheduledTask, CRemoveScheduledTaskCommand) \
+  FACTORY(RunDll32, CRunDll32Command)
 // clang-format on
 
 #define KY_DECLARE_FACTORY(stem, command) extern "C" KY_EXPORT ky::CInstallCommand* GetC##stem##Command();

@@ -3,7 +3,7 @@
 #include "host/script/command_schema.h"
 #include "host/script/schema/flow.h"
 
-// The commands that close running programs.
+// The commands that close running programs, and that start one.
 namespace host::schema {
 
 inline constexpr AttributeSchema close_process_attributes[] = {
@@ -129,6 +129,49 @@ stays as it is then; in a loop, later runs see the first run's values.)",
     .results = shape_results,
     .example =
         R"(<CloseProcesses maxTimeout="10000" process1="KyUI.exe" cmd1="[InstallPath]KyUI.exe /quit" currentDir1="[InstallPath]" process2="KyTray.exe" cmd2="/quit" currentDir2="[InstallPath]" limited2="1"/>)",
+};
+
+inline constexpr AttributeSchema run_dll32_attributes[] = {
+    {.name = "filePath",
+     .form = Form::file_path,
+     .required = true,
+     .expanded = true,
+     .keeps_expansion = true,
+     .meaning = "A file without which nothing is started. It plays no other part: name it in `arguments` too."},
+    {.name = "arguments",
+     .form = Form::text,
+     .required = true,
+     .expanded = true,
+     .keeps_expansion = true,
+     .meaning = "The whole command line behind `rundll32.exe`."},
+    {.name = "currentDir",
+     .form = Form::folder_path,
+     .required = true,
+     .expanded = true,
+     .keeps_expansion = true,
+     .meaning = "The folder that it starts in; it has to be there."},
+    {.name = "waitAmount",
+     .form = Form::milliseconds,
+     .default_value = "0",
+     .meaning = "How long to wait for its end; negative: without limit. It is never ended."},
+};
+inline constexpr ResultMeaning run_dll32_results[] = {
+    {"0", "always, also where nothing was started or another thread is inside the command"},
+};
+inline constexpr CommandSchema run_dll32 = {
+    .name = "RunDll32",
+    .log_name = "RunDll32",
+    .summary = "Starts rundll32.exe after a look at a file and a folder, and waits for its end if told to.",
+    .remarks =
+        R"(Only the log tells whether it was started; its exit code, and whether the time ran out, is not told at all.
+The system searches for `rundll32.exe` as for any program that is named without a path.
+
+A text with an undefined variable stays as it is, with its brackets. The others are expanded at the first
+run and stay as they are then; in a loop, later runs see the first run's values.)",
+    .attributes = run_dll32_attributes,
+    .results = run_dll32_results,
+    .example =
+        R"(<RunDll32 filePath="[InstallPath]KyShell.dll" arguments="&quot;[InstallPath]KyShell.dll&quot;,Unregister" currentDir="[InstallPath]" waitAmount="30000"/>)",
 };
 
 }  // namespace host::schema

@@ -8,12 +8,19 @@
 #include "installer/desktop/commands/diagnostics/clearoldlogscommand.h"
 #include "installer/desktop/commands/diagnostics/crashhandlercommand.h"
 #include "installer/desktop/commands/diagnostics/loggercommand.h"
+#include "installer/desktop/commands/drivers/cleanupinfcommand.h"
 #include "installer/desktop/commands/files/deletefilecommand.h"
 #include "installer/desktop/commands/files/pathexistscommand.h"
 #include "installer/desktop/commands/flow/jumpcommand.h"
 #include "installer/desktop/commands/flow/nopcommand.h"
+#include "installer/desktop/commands/hives/regloadalluserhivescommand.h"
+#include "installer/desktop/commands/hives/regunloadpreviouslyloadeduserhives.h"
 #include "installer/desktop/commands/process/closeprocess.h"
 #include "installer/desktop/commands/process/closeprocesses.h"
+#include "installer/desktop/commands/process/rundll32command.h"
+#include "installer/desktop/commands/registry/deleteifeokeyscommand.h"
+#include "installer/desktop/commands/registry/regkeyexistscommand.h"
+#include "installer/desktop/commands/tasks/removescheduledtaskcommand.h"
 
 #define KY_DEFINE_FACTORY(stem, command)       \
   ky::CInstallCommand* GetC##stem##Command() { \

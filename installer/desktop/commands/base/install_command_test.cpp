@@ -111,6 +111,16 @@ TEST_F(InstallCommand, EveryGuardedCommandTellsTheSecondThreadInItsOwnWords) {
       {"LoadFilesFromResources", {}, L"5: LoadFilesFromResources Error: Multiple threads attempting execution.\n"},
       {"CloseProcesses", {}, L"5: CloseProcesses Error: Multiple threads attempting execution.\n"},
       {"CommandLineParser", {}, L"5: CommandLineParser Error: Multiple threads attempting execution.\n"},
+      {"RegLoadAllUserHives", {}, L"5: RegLoadAllUserHivesCommand Error: Multiple threads attempting execution.\n"},
+      {"RegUnloadPreviouslyLoadedUserHives",
+       {},
+       L"5: RegUnloadPreviouslyLoadedUserHivesCommand Error: Multiple threads attempting execution.\n"},
+      {"RegKeyExists",
+       {{"base", "HKEY_USERS"}, {"subkey", "a"}, {"variable", "b"}},
+       L"5: RegKeyExists Error: Multiple threads attempting execution.\n"},
+      {"DeleteIfeoKeys", {}, L"5 DeleteIfeoKeys error: Multiple threads attempting execution."},
+      {"CleanupINF", {}, L"5: CleanupINFCommand Error: Multiple threads attempting execution.\n"},
+      {"RemoveScheduledTask", {}, L"5: RemoveScheduledTask Error: Multiple threads attempting execution.\n"},
   };
   put("Doc", L"<r/>");
   for (const auto& row : rows) {

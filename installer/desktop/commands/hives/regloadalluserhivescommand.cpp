@@ -83,8 +83,8 @@ void CRegLoadAllUserHivesCommand::Mount(const UserProfile& profile) const {
     return;
   }
   const std::wstring file = std::wstring(profile.profilePath.c_str()) + L"\\NTUSER.DAT";
-  const ports::ErrorCode error = ports::system().registry.load_hive(ports::RegistryKey::users,
-                                                                    MountName(profile.sid).c_str(), file.c_str());
+  const ports::ErrorCode error =
+      ports::system().registry.load_hive(ports::RegistryKey::users, MountName(profile.sid).c_str(), file.c_str());
   Trace(error == ports::code::success ? L"%i: %s: User hive '%s' loaded now.\n"
                                       : L"%i: %s Error: Could not load user hive '%s'.\n",
         index, log_name, profile.sid.c_str());

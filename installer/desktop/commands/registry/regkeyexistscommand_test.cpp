@@ -1,5 +1,7 @@
 #include "installer/desktop/commands/registry/regkeyexistscommand.h"
 
+#include <iostream>
+
 #include "platform/ports/codes.h"
 #include "platform/ports/termination.h"
 #include "tests/support/command_fixture.h"
@@ -12,7 +14,7 @@ using Attributes = CommandWorld::Attributes;
 using Lines = std::vector<std::wstring>;
 
 struct Trial : CommandWorld {
-  explicit Trial(machine::Options options = {}) : CommandWorld(layout().state, std::move(options)) {}
+  Trial() : CommandWorld(layout().state) {}
   static support::NamedWorld layout() {
     support::NamedWorld world;
     world.key(L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Tavrine").key(L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Classes\\.kyx");
@@ -31,10 +33,14 @@ TEST(RegKeyExists, StoresOneForAKeyThatIsThereAndLeavesTheVariableOtherwise) {
     const char* subkey;
     bool found;
   } rows[] = {
-      {"HKEY_LOCAL_MACHINE", "SOFTWARE\\Tavrine", true}, {"HKEY_LOCAL_MACHINE", "[Branch]tavrine", true},
-      {"HKEY_LOCAL_MACHINE", "", true},                  {"HKEY_CLASSES_ROOT", ".kyx", true},
-      {"HKEY_CURRENT_USER", "Software\\Anna", true},     {"HKEY_USERS", ".DEFAULT", true},
-      {"HKEY_USERS", "Software\\Anna", false},           {"HKEY_LOCAL_MACHINE", "SOFTWARE\\Other", false},
+      {"HKEY_LOCAL_MACHINE", "SOFTWARE\\Tavrine", true},
+      {"HKEY_LOCAL_MACHINE", "[Branch]tavrine", true},
+      {"HKEY_LOCAL_MACHINE", "", true},
+      {"HKEY_CLASSES_ROOT", ".kyx", true},
+      {"HKEY_CURRENT_USER", "Software\\Anna", true},
+      {"HKEY_USERS", ".DEFAULT", true},
+      {"HKEY_USERS", "Software\\Anna", false},
+      {"HKEY_LOCAL_MACHINE", "SOFTWARE\\Other", false},
       {"HKEY_LOCAL_MACHINE", "[None]Tavrine", false},
   };
   for (const auto& row : rows) {
@@ -67,9 +73,6 @@ TEST(RegKeyExists, TellsTheKeyAsItIsLookedForAndKeepsItSo) {
   EXPECT_FALSE(command->GuardHeld());
 }
 
-/// Notes with which rights keys are opened.
-class NotingRegistry final : public machine_registry_base {};
-
 TEST(RegKeyExists, AKeyThatMayNotBeReadCountsAsAbsent) {
   Trial run;
   run.faulty.fail(faults::Operation::registry_open, run.faulty.calls(faults::Operation::registry_open) + 1, false,
@@ -77,6 +80,52 @@ TEST(RegKeyExists, AKeyThatMayNotBeReadCountsAsAbsent) {
   run.run("RegKeyExists", looking_for("HKEY_LOCAL_MACHINE", "SOFTWARE\\Tavrine"));
   EXPECT_EQ(run.log.at(1), L"5: RegKeyExists Cannot open key 'SOFTWARE\\Tavrine'.\n");
   EXPECT_EQ(run.get_int("Found"), 0);
+}
+
+TEST(RegKeyExists, AVariableOf95CharactersPassesAndALongerOneStopsTheProcess) {
+  Trial run;
+  const std::string longest(95, 'v');
+  run.run("RegKeyExists", looking_for("HKEY_LOCAL_MACHINE", "SOFTWARE", longest));
+  EXPECT_EQ(run.get_int(longest), 1);
+  run.run("RegKeyExists", looking_for("HKEY_LOCAL_MACHINE", "Absent", longest + "v"));
+  const auto loaded = run.load("RegKeyExists", looking_for("HKEY_LOCAL_MACHINE", "SOFTWARE", longest + "v"));
+  machine::Options options;
+  options.on_stop = [](const ports::StopReason& reason) {
+    std::cerr << std::string(reason.text.begin(), reason.text.end());
+  };
+  EXPECT_DEATH(
+      {
+        machine::Machine telling(Trial::layout().state, std::move(options));
+        const ports::System own = telling.system(*run.engines);
+        ports::bind(own);
+        static_cast<void>(loaded.command->Execute(0, 0));
+      },
+      "RegKeyExists: variable too long");
+}
+
+TEST(RegKeyExists, AVariableThatTheCodePageDoesNotHaveIsNotStored) {
+  Trial run;
+  run.faulty.fail(faults::Operation::text_to_narrow, run.faulty.calls(faults::Operation::text_to_narrow) + 1, true,
+                  ports::code::invalid_parameter);
+  run.run("RegKeyExists", looking_for("HKEY_LOCAL_MACHINE", "SOFTWARE"));
+  EXPECT_EQ(run.log.at(1), L"5: RegKeyExists Opened key 'SOFTWARE'.\n");
+  EXPECT_EQ(run.get_int("Found"), 0);
+}
+
+TEST(RegKeyExists, LoadsOnlyWholeAndWithARootInCapitals) {
+  Trial run;
+  const struct {
+    Attributes attributes;
+    std::uint32_t result;
+  } rows[] = {
+      {looking_for("HKEY_USERS", ""), 0},
+      {looking_for("hkey_users", "a"), 1},
+      {looking_for("HKEY_CURRENT_CONFIG", "a"), 1},
+      {{{"subkey", "a"}, {"variable", "b"}}, 1},
+      {{{"base", "HKEY_USERS"}, {"variable", "b"}}, 1},
+      {{{"base", "HKEY_USERS"}, {"subkey", "a"}}, 1},
+  };
+  for (const auto& row : rows) EXPECT_EQ(run.load("RegKeyExists", row.attributes).result, row.result);
 }
 
 }  // namespace
