@@ -32,6 +32,11 @@ NTSYSAPI LONG NTAPI NtQueryInformationFile(HANDLE file, win32::IoStatusBlock* re
 
 /// ntdll: the Windows code of an NTSTATUS.
 NTSYSAPI ULONG NTAPI RtlNtStatusToDosError(LONG status);
+
+/// setupapi: where the driver store keeps the INF file that was published under this name. The second and the third
+/// argument are the system's own.
+DECLSPEC_IMPORT BOOL WINAPI SetupGetInfDriverStoreLocationW(const wchar_t* inf, void* platform, const wchar_t* locale,
+                                                            wchar_t* into, DWORD room, DWORD* required);
 }
 
 namespace win32 {

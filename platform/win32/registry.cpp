@@ -57,6 +57,26 @@ ports::ErrorCode Registry::subkey(ports::RegistryKey key, std::uint32_t position
   return code_of(status);
 }
 
+ports::ErrorCode Registry::subkey_within(ports::RegistryKey key, std::uint32_t position, std::uint32_t room,
+                                         std::wstring& name) {
+  std::wstring buffer(room, L'\0');
+  DWORD length = room;
+  const LSTATUS status =
+      RegEnumKeyExW(native(key), position, buffer.data(), &length, nullptr, nullptr, nullptr, nullptr);
+  if (status == ERROR_SUCCESS) name.assign(buffer, 0, length);
+  return code_of(status);
+}
+
+ports::ErrorCode Registry::information(ports::RegistryKey key, ports::KeyInformation& out) {
+  DWORD subkeys = 0;
+  DWORD longest = 0;
+  DWORD values = 0;
+  const LSTATUS status = RegQueryInfoKeyW(native(key), nullptr, nullptr, nullptr, &subkeys, &longest, nullptr, &values,
+                                          nullptr, nullptr, nullptr, nullptr);
+  if (status == ERROR_SUCCESS) out = {subkeys, longest, values};
+  return code_of(status);
+}
+
 ports::ErrorCode Registry::value_name(ports::RegistryKey key, std::uint32_t position, std::wstring& name) {
   std::wstring buffer(value_name_capacity, L'\0');
   DWORD length = value_name_capacity;
@@ -82,6 +102,15 @@ ports::ErrorCode Registry::query(ports::RegistryKey key, const wchar_t* name, po
   }
 }
 
+ports::ErrorCode Registry::get_text(ports::RegistryKey key, const wchar_t* subkey, const wchar_t* name,
+                                    std::span<wchar_t> into, std::uint32_t& size) {
+  DWORD bytes = static_cast<DWORD>(into.size_bytes());
+  const LSTATUS status =
+      RegGetValueW(native(key), subkey, name, RRF_RT_REG_SZ, nullptr, into.empty() ? nullptr : into.data(), &bytes);
+  size = bytes;
+  return code_of(status);
+}
+
 ports::ErrorCode Registry::set(ports::RegistryKey key, const wchar_t* name, const ports::RegistryValue& value) {
   return code_of(RegSetValueExW(native(key), name, 0, static_cast<DWORD>(value.type), value.bytes.data(),
                                 static_cast<DWORD>(value.bytes.size())));
@@ -94,6 +123,18 @@ ports::ErrorCode Registry::remove_value(ports::RegistryKey key, const wchar_t* n
 ports::ErrorCode Registry::remove(ports::RegistryKey key) {
   const LONG status = NtDeleteKey(native(key));
   return status == 0 ? ERROR_SUCCESS : RtlNtStatusToDosError(status);
+}
+
+ports::ErrorCode Registry::remove_tree(ports::RegistryKey key, const wchar_t* subkey) {
+  return code_of(RegDeleteTreeW(native(key), subkey));
+}
+
+ports::ErrorCode Registry::load_hive(ports::RegistryKey key, const wchar_t* name, const wchar_t* file) {
+  return code_of(RegLoadKeyW(native(key), name, file));
+}
+
+ports::ErrorCode Registry::unload_hive(ports::RegistryKey key, const wchar_t* name) {
+  return code_of(RegUnLoadKeyW(native(key), name));
 }
 
 }  // namespace win32
