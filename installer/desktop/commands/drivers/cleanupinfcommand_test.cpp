@@ -136,7 +136,7 @@ TEST(CleanupINF, APnputilThatHangsIsLeftAfterThreeMinutes) {
 }
 
 TEST(CleanupINF, ACommandLineThatDoesNotFitIsNotRun) {
-  const std::wstring deep = L"C:\\" + std::wstring(223, L'd') + L"\\";
+  const std::wstring deep = L"C:\\" + std::wstring(230, L'd') + L"\\";
   for (const bool fits : {true, false}) {
     DriverWorld layout;
     const std::wstring folder = fits ? deep : deep.substr(0, 3) + L"d" + deep.substr(3);

@@ -18,11 +18,13 @@ struct Trial : CommandWorld {
   explicit Trial(const NamedWorld& layout) : CommandWorld(layout.state) {}
 
   host::CommandOwner run_on(const char* stem) {
+    const auto privileges = world.state().enabled_privileges;
+    const auto handles = world.handles().open_by_kind();
     host::CommandOwner command = run(stem, {});
     EXPECT_TRUE(command->executed);
     EXPECT_FALSE(command->GuardHeld());
-    EXPECT_TRUE(world.state().enabled_privileges.empty());
-    EXPECT_TRUE(world.handles().open_by_kind().empty());
+    EXPECT_EQ(world.state().enabled_privileges, privileges);
+    EXPECT_EQ(world.handles().open_by_kind(), handles);
     return command;
   }
   host::CommandOwner mount() { return run_on("RegLoadAllUserHives"); }

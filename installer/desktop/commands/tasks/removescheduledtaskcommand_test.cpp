@@ -54,8 +54,7 @@ TEST(RemoveScheduledTask, AnyOtherNameIsLeftAlone) {
   for (const char* name : {"", "Absent", "suite update", "Suite\\Scan", "\\Suite Update", "Kept", "Scan"}) {
     Trial run;
     run.remove(name);
-    EXPECT_EQ(run.log.back(),
-              L"Scheduled task '" + std::wstring(name, name + std::strlen(name)) + L"' was not removed. Error '31' \n");
+    EXPECT_EQ(run.log.back(), L"Scheduled task '" + base::strings::to_wide(name) + L"' was not removed. Error '31' \n");
     EXPECT_EQ(run.world.state().scheduled_tasks.tasks.size(), 3u);
   }
 }
