@@ -1,6 +1,7 @@
 #include "host/commands/deleteregkeycommand.h"
 
 #include "host/commands/attribute_reader.h"
+#include "host/commands/registry_view.h"
 #include "host/deletion/registry_removal.h"
 #include "host/deletion/registry_target.h"
 #include "installer/desktop/commands/base/expand.h"
@@ -41,7 +42,8 @@ std::uint32_t CDeleteRegKeyCommand::Delete() {
     return ports::code::invalid_parameter;
   }
   if (!target.each_user) keep_request("registry-key", full_name(root, target));
-  const ports::ErrorCode result = RegistryRemoval(ports::system().registry).remove_key(target, recursive);
+  const ports::ErrorCode result =
+      RegistryRemoval(ports::system().registry, wanted_registry_view()).remove_key(target, recursive);
   ky::Trace(L"%i: %s '%s\\%s' result %u.\n", index, log_name, root.c_str(), key.c_str(), result);
   return result;
 }

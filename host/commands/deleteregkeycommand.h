@@ -11,7 +11,7 @@ namespace host {
 ///
 /// Attributes: base (name of a root, required), subkey (text, required; "*\..." below HKEY_USERS means each user),
 ///   recursive (flag: what is below goes too). The texts are expanded at each run.
-/// Keys read: those that base and subkey name
+/// Keys read: int_x64 (not 0: the keys are those of 64-bit programs), and those that base and subkey name
 /// Keys written: none
 /// Results: 0 where the key is gone or was absent; 31 where a text names an undefined variable; 87 for a key that it
 ///   refuses; 681 for a link on the way; 1020 for a key with subkeys without recursive; otherwise the error of the

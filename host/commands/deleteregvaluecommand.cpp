@@ -1,6 +1,7 @@
 #include "host/commands/deleteregvaluecommand.h"
 
 #include "host/commands/attribute_reader.h"
+#include "host/commands/registry_view.h"
 #include "host/deletion/registry_removal.h"
 #include "host/deletion/registry_target.h"
 #include "installer/desktop/commands/base/expand.h"
@@ -47,7 +48,8 @@ std::uint32_t CDeleteRegValueCommand::Delete() {
   if (!target.each_user) {
     keep_request("registry-value", full_name(root, target) + L"\\" + (name.empty() ? L"(default)" : name));
   }
-  const ports::ErrorCode result = RegistryRemoval(ports::system().registry).remove_value(target, name);
+  const ports::ErrorCode result =
+      RegistryRemoval(ports::system().registry, wanted_registry_view()).remove_value(target, name);
   ky::Trace(L"%i: %s '%s\\%s', value '%s' result %u.\n", index, log_name, root.c_str(), key.c_str(), name.c_str(),
             result);
   return result;

@@ -11,7 +11,7 @@ namespace host {
 /// Attributes: base (name of a root, required), subkey (text, required; "*\..." below HKEY_USERS means each user),
 /// value
 ///   (text, required; empty is the key's default value). The texts are expanded at each run.
-/// Keys read: those that the texts name
+/// Keys read: int_x64 (not 0: the keys are those of 64-bit programs), and those that the texts name
 /// Keys written: none
 /// Results: 0 where the value is gone or was absent; 31 where a text names an undefined variable; 87 for a base or
 /// subkey

@@ -73,16 +73,20 @@ ErrorCode RegistryRemoval::open(RegistryKey root, std::span<const std::wstring> 
   for (std::size_t i = 0; i < parts.size(); ++i) {
     const bool last = i + 1 == parts.size();
     OpenKey key(registry_);
-    ErrorCode code = registry_.open(parent, parts[i].c_str(), open_options(root, parts, i),
-                                    last ? last_access : access::read, key.receive());
-    if (code != ports::code::success) return code;
-    code = is_link(key.get(), link);
+    const ErrorCode code =
+        open_part(parent, parts[i], open_options(root, parts, i), last ? last_access : access::read, key, link);
     if (code != ports::code::success) return code;
     if (link && !last) return ports::code::stopped_on_symlink;
     out = std::move(key);
     parent = out.get();
   }
   return ports::code::success;
+}
+
+ErrorCode RegistryRemoval::open_part(RegistryKey parent, const std::wstring& name, std::uint32_t options,
+                                     std::uint32_t wanted, OpenKey& out, bool& link) {
+  const ErrorCode code = registry_.open(parent, name.c_str(), options, wanted | view_, out.receive());
+  return code == ports::code::success ? is_link(out.get(), link) : code;
 }
 
 ErrorCode RegistryRemoval::is_link(RegistryKey key, bool& link) {
@@ -118,9 +122,7 @@ ErrorCode RegistryRemoval::remove_below(RegistryKey key) {
   for (const std::wstring& name : names) {
     OpenKey child(registry_);
     bool link = false;
-    ErrorCode code = registry_.open(key, name.c_str(), ports::registry_option::open_link, access::read | access::erase,
-                                    child.receive());
-    if (code == ports::code::success) code = is_link(child.get(), link);
+    ErrorCode code = open_part(key, name, ports::registry_option::open_link, access::read | access::erase, child, link);
     if (code == ports::code::success) code = remove_open(child.get(), link, true);
     code = unless_absent(code);
     if (code != ports::code::success) ky::Trace(L"[Registry] subkey '%s' stays. Error %u\n", name.c_str(), code);

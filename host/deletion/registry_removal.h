@@ -44,7 +44,8 @@ class OpenKey {
 /// nothing is deleted); key_has_children (without `recursive`); otherwise the code of the first thing that stays.
 class RegistryRemoval {
  public:
-  explicit RegistryRemoval(ports::Registry& registry) : registry_(registry) {}
+  /// `view` is a view of `registry_access` that every key is opened in, or 0 for the process's own.
+  RegistryRemoval(ports::Registry& registry, std::uint32_t view) : registry_(registry), view_(view) {}
 
   /// `target` was not refused.
   [[nodiscard]] ports::ErrorCode remove_key(const RegistryTarget& target, bool recursive);
@@ -58,12 +59,15 @@ class RegistryRemoval {
 
   [[nodiscard]] ports::ErrorCode open(ports::RegistryKey root, std::span<const std::wstring> parts,
                                       std::uint32_t access, OpenKey& out, bool& link);
+  [[nodiscard]] ports::ErrorCode open_part(ports::RegistryKey parent, const std::wstring& name, std::uint32_t options,
+                                           std::uint32_t access, OpenKey& out, bool& link);
   [[nodiscard]] ports::ErrorCode is_link(ports::RegistryKey key, bool& link);
   [[nodiscard]] ports::ErrorCode names_below(ports::RegistryKey key, std::vector<std::wstring>& names);
   [[nodiscard]] ports::ErrorCode remove_open(ports::RegistryKey key, bool link, bool recursive);
   [[nodiscard]] ports::ErrorCode remove_below(ports::RegistryKey key);
 
   ports::Registry& registry_;
+  std::uint32_t view_;
 };
 
 }  // namespace host

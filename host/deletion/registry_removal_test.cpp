@@ -37,15 +37,16 @@ class RegistryRemovalTest : public testing::Test, public support::BareMachine {
       node.values[L"SymbolicLinkValue"] = {ports::RegistryType::link, machine::text_bytes(target, false)};
     });
   }
+  std::uint32_t view = 0;
   ports::ErrorCode remove_key(const wchar_t* base, const wchar_t* subkey, bool recursive = true) {
     const host::RegistryTarget target = host::decide_registry_key(base, subkey);
     EXPECT_EQ(target.refusal, nullptr);
-    return host::RegistryRemoval(system.registry).remove_key(target, recursive);
+    return host::RegistryRemoval(system.registry, view).remove_key(target, recursive);
   }
   ports::ErrorCode remove_value(const wchar_t* base, const wchar_t* subkey, const wchar_t* name) {
     const host::RegistryTarget target = host::decide_registry_value(base, subkey);
     EXPECT_EQ(target.refusal, nullptr);
-    return host::RegistryRemoval(system.registry).remove_value(target, name);
+    return host::RegistryRemoval(system.registry, view).remove_value(target, name);
   }
 };
 

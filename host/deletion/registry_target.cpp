@@ -26,26 +26,29 @@ struct Branch {
   RegistryKey root;
   std::wstring_view subkey;
 };
-// Parents of what products make, which an empty variable at the end of a subkey would leave as the target.
+// Parents of what products make, which an empty variable at the end of a subkey would leave as the target. Each stands
+// here under its plainest path, as `plainest` has it.
 constexpr Branch great_branches[] = {
-    {RegistryKey::local_machine, L"SOFTWARE\\Classes"},
     {RegistryKey::local_machine, L"SOFTWARE\\Microsoft"},
     {RegistryKey::local_machine, L"SOFTWARE\\Microsoft\\Windows"},
     {RegistryKey::local_machine, L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion"},
+    {RegistryKey::local_machine, L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Paths"},
     {RegistryKey::local_machine, L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Run"},
     {RegistryKey::local_machine, L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall"},
     {RegistryKey::local_machine, L"SOFTWARE\\Microsoft\\Windows NT"},
     {RegistryKey::local_machine, L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion"},
+    {RegistryKey::local_machine, L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Image File Execution Options"},
+    {RegistryKey::local_machine, L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\ProfileList"},
     {RegistryKey::local_machine, L"SOFTWARE\\Policies"},
-    {RegistryKey::local_machine, L"SOFTWARE\\Wow6432Node"},
-    {RegistryKey::local_machine, L"SOFTWARE\\Wow6432Node\\Microsoft"},
     {RegistryKey::local_machine, L"SYSTEM\\CurrentControlSet"},
     {RegistryKey::local_machine, L"SYSTEM\\CurrentControlSet\\Control"},
     {RegistryKey::local_machine, L"SYSTEM\\CurrentControlSet\\Services"},
-    {RegistryKey::current_user, L"Software\\Classes"},
     {RegistryKey::current_user, L"Software\\Microsoft"},
     {RegistryKey::current_user, L"Software\\Microsoft\\Windows"},
     {RegistryKey::current_user, L"Software\\Microsoft\\Windows\\CurrentVersion"},
+    {RegistryKey::current_user, L"Software\\Microsoft\\Windows\\CurrentVersion\\Run"},
+    {RegistryKey::current_user, L"Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall"},
+    {RegistryKey::current_user, L"Software\\Policies"},
     {RegistryKey::classes_root, L"*"},
     {RegistryKey::classes_root, L"AppID"},
     {RegistryKey::classes_root, L"CLSID"},
@@ -83,6 +86,34 @@ bool is_great_branch(RegistryKey root, std::span<const std::wstring> parts) {
   });
 }
 
+bool is_control_set(std::wstring_view name) {
+  constexpr std::wstring_view start = L"ControlSet";
+  return name.size() == start.size() + 3 && equal_ignoring_case(name.substr(0, start.size()), start);
+}
+
+/// The key by its plainest path: a user's by HKEY_CURRENT_USER, classes by HKEY_CLASSES_ROOT, a numbered control set by
+/// the current one's name, and without the mark of the 32-bit view.
+RegistryTarget plainest(RegistryTarget target) {
+  std::vector<std::wstring>& parts = target.parts;
+  const auto drop = [&parts](std::ptrdiff_t count) { parts.erase(parts.begin(), parts.begin() + count); };
+  if (target.root == RegistryKey::users) {
+    const bool classes = !target.each_user && !is_user_key(parts[0]);
+    target.root = classes ? RegistryKey::classes_root : RegistryKey::current_user;
+    if (!target.each_user) drop(1);
+  }
+  parts.erase(std::remove_if(parts.begin(), parts.end(),
+                             [](const std::wstring& part) { return equal_ignoring_case(part, L"Wow6432Node"); }),
+              parts.end());
+  if (target.root == RegistryKey::classes_root || parts.size() < 2) return target;
+  if (equal_ignoring_case(parts[0], L"SOFTWARE") && equal_ignoring_case(parts[1], L"Classes")) {
+    target.root = RegistryKey::classes_root;
+    drop(2);
+  } else if (equal_ignoring_case(parts[0], L"SYSTEM") && is_control_set(parts[1])) {
+    parts[1] = L"CurrentControlSet";
+  }
+  return target;
+}
+
 }  // namespace
 
 RegistryTarget decide_registry_value(std::wstring_view base, std::wstring_view subkey) {
@@ -109,15 +140,9 @@ RegistryTarget decide_registry_key(std::wstring_view base, std::wstring_view sub
   RegistryTarget target = decide_registry_value(base, subkey);
   if (target.refusal != nullptr) return target;
 
-  // A path below HKEY_USERS names a user first; what follows is looked at as that user's.
-  RegistryKey root = target.root;
-  std::span<const std::wstring> parts = target.parts;
-  if (root == RegistryKey::users) {
-    root = RegistryKey::current_user;
-    if (!target.each_user) parts = parts.subspan(1);
-  }
-  const bool hive = parts.empty() || (root != RegistryKey::classes_root && parts.size() == 1);
-  if (hive || is_great_branch(root, parts)) target.refusal = L"the system needs this key";
+  const RegistryTarget plain = plainest(target);
+  const bool hive = plain.parts.empty() || (plain.root != RegistryKey::classes_root && plain.parts.size() == 1);
+  if (hive || is_great_branch(plain.root, plain.parts)) target.refusal = L"the system needs this key";
   return target;
 }
 

@@ -42,7 +42,15 @@ TEST(RegistryTarget, WhatWouldBeADisasterIsRefused) {
       {L"HKEY_USERS", L"S-1-5-18\\Software\\Microsoft"},
       {L"HKEY_USERS", L"*\\"},
       {L"HKEY_USERS", L"*\\Software"},
+      {L"HKEY_USERS", L"S-1-5-21-7__ky_setup__\\Software\\Policies"},
+      {L"HKEY_USERS", L"S-1-5-21-7_Classes\\CLSID"},
+      {L"HKEY_USERS", L"S-1-5-21-7_Classes"},
       {L"HKEY_CLASSES_ROOT", L"CLSID"},
+      {L"HKEY_CLASSES_ROOT", L"Wow6432Node\\CLSID"},
+      {L"HKEY_LOCAL_MACHINE", L"SOFTWARE\\Classes\\clsid"},
+      {L"HKEY_LOCAL_MACHINE", L"SOFTWARE\\Wow6432Node"},
+      {L"HKEY_LOCAL_MACHINE", L"SOFTWARE\\WOW6432Node\\Microsoft\\Windows\\CurrentVersion\\Uninstall"},
+      {L"HKEY_LOCAL_MACHINE", L"SYSTEM\\ControlSet001\\Services"},
       {L"hkey_local_machine", L"SOFTWARE\\Tavrine"},
       {L"", L"SOFTWARE\\Tavrine"},
   };
@@ -57,6 +65,8 @@ TEST(RegistryTarget, AValueMayGoFromAGreatBranch) {
   EXPECT_NE(decide_registry_key(L"HKEY_LOCAL_MACHINE", run).refusal, nullptr);
   EXPECT_EQ(decide_registry_value(L"HKEY_LOCAL_MACHINE", run).refusal, nullptr);
   EXPECT_EQ(decide_registry_key(L"HKEY_CLASSES_ROOT", L".tavrine").refusal, nullptr);
+  EXPECT_EQ(decide_registry_key(L"HKEY_USERS", L"S-1-5-21-7_Classes\\.tavrine").refusal, nullptr);
+  EXPECT_EQ(decide_registry_key(L"HKEY_LOCAL_MACHINE", L"SOFTWARE\\Wow6432Node\\Tavrine").refusal, nullptr);
 }
 
 TEST(RegistryTarget, OnlyTheSystemsOwnControlSetIsOpenedThroughItsLink) {
