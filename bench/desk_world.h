@@ -4,6 +4,7 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <utility>
 
 #include "host/session.h"
 #include "installer/desktop/module/library.h"
@@ -12,13 +13,14 @@
 
 namespace bench {
 
-/// A bare machine with a started session: what loading and expanding need.
+/// A machine, by default a bare one, with a started session: what loading and expanding need.
 struct DeskWorld {
-  DeskWorld() {
+  explicit DeskWorld(machine::State state = machine::bare_state())
+      // Rounds count as steps of one run here.
+      : world(std::move(state), machine::Options{.max_steps = ~std::uint64_t{0}}) {
     if (!session.start(host::built_in_script_key()).empty()) std::abort();
   }
-  // Rounds count as steps of one run here.
-  machine::Machine world{machine::Options{.max_steps = ~std::uint64_t{0}}};
+  machine::Machine world;
   std::unique_ptr<ports::Engines> engines = ports::make_engines(world.errors());
   ports::System system = world.system(*engines);
   host::TableFactories library{ky::library::factories()};

@@ -41,8 +41,9 @@ constexpr std::uint32_t changing = right::set_value | right::create_subkey | rig
          key == RegistryKey::classes_root;
 }
 
-// The way to a subkey, in the view that `access` asks for. A path may end in a backslash, but not begin with one.
-[[nodiscard]] ErrorCode way_of(const RegistryTree& tree, KeyId from, const wchar_t* subkey, std::uint32_t access,
+// The way to a subkey, in the view that `access` asks for, else in that of the process. A path may end in a backslash,
+// but not begin with one.
+[[nodiscard]] ErrorCode way_of(const State& state, KeyId from, const wchar_t* subkey, std::uint32_t access,
                                RegistryWay& way) {
   constexpr std::uint32_t both_views = right::view_32 | right::view_64;
   if ((access & both_views) == both_views) return code::invalid_parameter;
@@ -52,7 +53,8 @@ constexpr std::uint32_t changing = right::set_value | right::create_subkey | rig
   for (const std::wstring& part : way.parts) {
     if (part.size() > longest_name) return code::invalid_parameter;
   }
-  if ((access & right::view_32) != 0) way = in_view_32(tree, std::move(way));
+  const bool own_view_32 = state.environment.wow64 && (access & right::view_64) == 0;
+  if (own_view_32 || (access & right::view_32) != 0) way = in_view_32(state.registry, std::move(way));
   return code::success;
 }
 
@@ -85,7 +87,7 @@ ErrorCode Registry::find(RegistryKey from, std::uint32_t wanted, const wchar_t* 
   OpenKey start;
   RegistryWay way;
   ErrorCode error = use(from, wanted, start);
-  if (error == code::success) error = way_of(world_.state.registry, start.key, subkey, 0, way);
+  if (error == code::success) error = way_of(world_.state, start.key, subkey, 0, way);
   if (error != code::success) return error;
   out = find_key(world_.state.registry, way.from, way.parts, true);
   return out.error;
@@ -97,7 +99,7 @@ ErrorCode Registry::open(RegistryKey parent, const wchar_t* subkey, std::uint32_
   OpenKey from;
   RegistryWay way;
   ErrorCode error = use(parent, 0, from);
-  if (error == code::success) error = way_of(world_.state.registry, from.key, subkey, access, way);
+  if (error == code::success) error = way_of(world_.state, from.key, subkey, access, way);
   if (error != code::success) return error;
   const bool follow = (options & option::open_link) == 0;
   const KeyFound found = find_key(world_.state.registry, way.from, way.parts, follow);
@@ -110,7 +112,7 @@ ErrorCode Registry::create(RegistryKey parent, const wchar_t* subkey, std::uint3
   OpenKey from;
   RegistryWay way;
   ErrorCode error = use(parent, 0, from);
-  if (error == code::success) error = way_of(world_.state.registry, from.key, subkey, access, way);
+  if (error == code::success) error = way_of(world_.state, from.key, subkey, access, way);
   if (error != code::success) return error;
   RegistryTree& tree = world_.state.registry;
   const bool make_link = (options & option::create_link) != 0;

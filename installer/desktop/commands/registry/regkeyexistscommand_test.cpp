@@ -14,7 +14,7 @@ using Attributes = CommandWorld::Attributes;
 using Lines = std::vector<std::wstring>;
 
 struct Trial : CommandWorld {
-  Trial() : CommandWorld(layout().state) {}
+  explicit Trial(const support::NamedWorld& world = layout()) : CommandWorld(world.state) {}
   static support::NamedWorld layout() {
     support::NamedWorld world;
     world.key(L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Tavrine").key(L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Classes\\.kyx");
@@ -71,6 +71,17 @@ TEST(RegKeyExists, TellsTheKeyAsItIsLookedForAndKeepsItSo) {
   EXPECT_EQ(run.get_int("Found"), 1);
   EXPECT_TRUE(command->executed);
   EXPECT_FALSE(command->GuardHeld());
+}
+
+TEST(RegKeyExists, A32BitProcessLooksWhereTheScriptFoundItsSystem) {
+  for (const std::int32_t x64 : {0, 1, 7}) {
+    support::NamedWorld world = Trial::layout();
+    world.state.environment.wow64 = true;
+    Trial run(world);
+    run.put("x64", x64);
+    run.run("RegKeyExists", looking_for("HKEY_LOCAL_MACHINE", "SOFTWARE\\Tavrine"));
+    EXPECT_EQ(run.get_int("Found"), x64 == 0 ? 0 : 1);
+  }
 }
 
 TEST(RegKeyExists, AKeyThatMayNotBeReadCountsAsAbsent) {
