@@ -85,4 +85,11 @@ inline constexpr Result scheduler_not_running = static_cast<Result>(0x80041315);
   return error == success ? ok : static_cast<Result>((error & 0xFFFF) | 0x80070000);
 }
 
+/// The error code inside a COM result that `as_result` made, and any other failure as it stands; 0 for a success.
+[[nodiscard]] constexpr ErrorCode of_result(Result result) {
+  const auto bits = static_cast<ErrorCode>(result);
+  if (result >= 0) return success;
+  return (bits & 0xFFFF0000) == 0x80070000 ? bits & 0xFFFF : bits;
+}
+
 }  // namespace ports::code

@@ -9,7 +9,8 @@ namespace record {
 
 /// One thing of the system that differs at the end from what it was at the beginning. `before` and `after` describe it
 /// for people and tools; nothing means that it was not there. Kinds: file, folder, link, registry-key, registry-value,
-/// delayed-move (booked for the next start; `path` is what moves).
+/// task, driver-package (`path` is the INF file's name in the system's folder), delayed-move (booked for the next
+/// start; `path` is what moves).
 struct Change {
   std::string kind;
   std::wstring path;
@@ -19,7 +20,8 @@ struct Change {
 };
 
 /// Something that was done and left nothing behind. Kinds: process-started and process-ended (`text` is the command
-/// line), process-started-by-shell and process-started-on-desktop (verb, file and arguments).
+/// line), process-started-by-shell and process-started-on-desktop (verb, file and arguments), hive-mounted (the key,
+/// and the file) and hive-unmounted.
 struct Action {
   std::string kind;
   std::wstring text;

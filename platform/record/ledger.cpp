@@ -14,6 +14,11 @@ bool was_absent(ports::ErrorCode code) {
   return code == ports::code::file_not_found || code == ports::code::path_not_found;
 }
 
+bool in_registry_below(Ledger::Subject subject, const std::wstring& folded_path, const std::wstring& key) {
+  return (subject == Ledger::Subject::key || subject == Ledger::Subject::value) &&
+         folded_path.starts_with(folded(key) + L"\\");
+}
+
 }  // namespace
 
 std::wstring value_path(const KeyPlace& place, const std::wstring& name) {
@@ -54,6 +59,47 @@ void Ledger::watch_value(const KeyPlace& place, const std::wstring& name) {
   touch(Subject::value, value_path(place, name), [this, place, name] { return look_at_value(inner_, place, name); });
 }
 
+void Ledger::watch_task(const std::wstring& path) {
+  touch(Subject::task, path, [this, path] { return look_at_task(inner_, path); });
+}
+
+void Ledger::watch_driver(const std::wstring& inf) {
+  touch(Subject::driver, inf, [this, inf] { return look_at_driver(inner_, inf); });
+}
+
+void Ledger::settle(const std::wstring& key) {
+  std::vector<std::pair<Id, Look>> looks;
+  std::vector<std::pair<std::size_t, Look>> attempts;
+  {
+    const ports::Lock lock(mutex_);
+    for (const auto& [id, entry] : entries_) {
+      if (in_registry_below(id.first, id.second, key)) looks.emplace_back(id, entry.look);
+    }
+    for (std::size_t at = 0; at < attempts_.size(); ++at) {
+      const Id& id = attempts_[at].id;
+      if (in_registry_below(id.first, id.second, key)) attempts.emplace_back(at, attempts_[at].look);
+    }
+  }
+  std::map<Id, std::optional<State>> states;
+  for (const auto& [id, look] : looks) states.emplace(id, look());
+  std::map<std::size_t, bool> gone;
+  for (const auto& [at, look] : attempts) gone.emplace(at, !look().has_value());
+  const ports::Lock lock(mutex_);
+  for (auto& [id, state] : states) entries_.at(id).settled = std::move(state);
+  for (const auto& [at, is_gone] : gone) attempts_[at].settled = is_gone;
+}
+
+void Ledger::unsettle(const std::wstring& key) {
+  const KeptError kept(inner_.errors);
+  const ports::Lock lock(mutex_);
+  for (auto& [id, entry] : entries_) {
+    if (in_registry_below(id.first, id.second, key)) entry.settled.reset();
+  }
+  for (Attempt& attempt : attempts_) {
+    if (in_registry_below(attempt.id.first, attempt.id.second, key)) attempt.settled.reset();
+  }
+}
+
 void Ledger::add_action(std::string kind, std::wstring text) {
   const KeptError kept(inner_.errors);
   if (paused()) return;
@@ -68,7 +114,7 @@ void Ledger::add_deletion(Subject subject, const std::string& kind, const std::w
   const ports::Lock lock(mutex_);
   const auto [found, added] = attempt_of_.try_emplace({subject, folded(path)}, attempts_.size());
   if (added) {
-    attempts_.push_back({{kind, path, code, false}, std::move(look)});
+    attempts_.push_back({{subject, folded(path)}, {kind, path, code, false}, std::move(look)});
     return;
   }
   // What an earlier attempt deleted is rightly missing at the next.
@@ -182,7 +228,7 @@ std::vector<Change> Ledger::changes() const {
   for (const auto& [id, entry] : entries) {
     const bool content = id.first == Subject::content;
     if (content && (!entry.before || changed_paths.contains(id.second))) continue;
-    const std::optional<State> after = entry.look();
+    const std::optional<State> after = entry.state();
     if (content && !after) continue;
     const std::size_t known = found.size();
     add_difference(found, entry.path, entry.before, after);
@@ -208,7 +254,7 @@ std::vector<Deletion> Ledger::deletions() const {
   }
   std::vector<Deletion> found;
   for (Attempt& attempt : attempts) {
-    attempt.deletion.gone = !attempt.look().has_value();
+    attempt.deletion.gone = attempt.settled ? *attempt.settled : !attempt.look().has_value();
     found.push_back(std::move(attempt.deletion));
   }
   return found;

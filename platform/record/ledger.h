@@ -23,7 +23,7 @@ namespace record {
 class Ledger {
  public:
   /// What an entry is about. A file's content is watched apart from the file: reading it is dear and seldom needed.
-  enum class Subject { path, content, key, value, booking };
+  enum class Subject { path, content, key, value, task, driver, booking };
   /// Gives a thing's present state.
   using Look = std::function<std::optional<State>()>;
 
@@ -37,6 +37,13 @@ class Ledger {
   void watch_content(const std::wstring& path);
   void watch_key(const KeyPlace& place);
   void watch_value(const KeyPlace& place, const std::wstring& name);
+
+  void watch_task(const std::wstring& path);
+  void watch_driver(const std::wstring& inf);
+  /// Keys and values below a key are about to go out of reach: how they stand now is how they end. To be called before
+  /// an unmounting; `unsettle` takes it back where that fails, and when the hive is mounted again.
+  void settle(const std::wstring& key);
+  void unsettle(const std::wstring& key);
 
   void add_action(std::string kind, std::wstring text);
   /// `subject` tells where to look whether the thing is gone.
@@ -74,14 +81,19 @@ class Ledger {
     std::wstring path;
     std::optional<State> before;
     Look look;
+    /// How it ended, where it cannot be looked at any more.
+    std::optional<std::optional<State>> settled{};
+    [[nodiscard]] std::optional<State> state() const { return settled ? *settled : look(); }
   };
   struct Log {
     std::wstring path;
     bool written;
   };
   struct Attempt {
+    Id id;
     Deletion deletion;
     Look look;
+    std::optional<bool> settled{};
   };
 
   const ports::System& inner_;

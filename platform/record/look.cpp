@@ -1,10 +1,15 @@
 #include "platform/record/look.h"
 
 #include <array>
+#include <set>
+#include <string_view>
 #include <utility>
 
 #include "platform/ports/codes.h"
+#include "platform/ports/com.h"
+#include "platform/ports/driver_store.h"
 #include "platform/ports/files.h"
+#include "platform/ports/task_scheduler.h"
 #include "platform/ports/threads.h"
 #include "platform/record/describe.h"
 #include "platform/record/paths.h"
@@ -136,6 +141,88 @@ std::vector<std::wstring> value_names(const ports::System& inner, const KeyPlace
     names.push_back(name);
   }
   return names;
+}
+
+namespace {
+
+/// Where a link key leads; nothing for another key.
+std::optional<KeyPlace> target_of_link(const ports::System& inner, const KeyPlace& place) {
+  const OpenKey opened(inner, place);
+  ports::RegistryValue value;
+  if (opened.code() != ports::code::success ||
+      inner.registry.query(opened.key(), L"SymbolicLinkValue", value) != ports::code::success ||
+      value.type != ports::RegistryType::link) {
+    return std::nullopt;
+  }
+  std::wstring target;
+  for (std::size_t at = 0; at + 1 < value.bytes.size(); at += 2) {
+    target += static_cast<wchar_t>(value.bytes[at] | value.bytes[at + 1] << 8);
+  }
+  const std::pair<const wchar_t*, ports::RegistryKey> roots[] = {
+      {L"\\registry\\machine\\", ports::RegistryKey::local_machine},
+      {L"\\registry\\user\\", ports::RegistryKey::users}};
+  for (const auto& [prefix, root] : roots) {
+    if (folded(target).starts_with(prefix)) {
+      return KeyPlace{root, target.substr(std::wstring_view(prefix).size()), place.view};
+    }
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+std::vector<KeyPlace> keys_below(const ports::System& inner, const KeyPlace& place) {
+  std::vector<KeyPlace> found;
+  std::set<std::wstring> seen;
+  std::vector<KeyPlace> waiting{place};
+  while (!waiting.empty()) {
+    const KeyPlace key = std::move(waiting.back());
+    waiting.pop_back();
+    const OpenKey opened(inner, key);
+    if (opened.code() != ports::code::success || !seen.insert(folded(key.path())).second) continue;
+    found.push_back(key);
+    if (std::optional<KeyPlace> target = target_of_link(inner, key)) {
+      waiting.push_back(std::move(*target));
+      continue;
+    }
+    std::wstring name;
+    for (std::uint32_t at = 0; inner.registry.subkey(opened.key(), at, name) == ports::code::success; ++at) {
+      waiting.push_back({key.root, joined(key.subkey, name), key.view});
+    }
+  }
+  return found;
+}
+
+std::optional<State> look_at_task(const ports::System& inner, const std::wstring& path) {
+  const std::size_t end = path.rfind(L'\\');
+  const std::wstring parent = end == 0 || end == std::wstring::npos ? L"\\" : path.substr(0, end);
+  const std::wstring name = end == std::wstring::npos ? path : path.substr(end + 1);
+  const bool entered = ports::succeeded(inner.com.initialize(ports::ComModel::multithreaded));
+  ports::TaskService service = ports::TaskService::null;
+  ports::TaskFolder folder = ports::TaskFolder::null;
+  ports::ScheduledTask task = ports::ScheduledTask::null;
+  std::wstring registered;
+  ports::Result result = inner.tasks.create_service(service);
+  if (ports::succeeded(result)) result = inner.tasks.connect(service);
+  if (ports::succeeded(result)) result = inner.tasks.folder(service, parent.c_str(), folder);
+  if (ports::succeeded(result)) result = inner.tasks.task(folder, name.c_str(), task);
+  if (ports::succeeded(result)) result = inner.tasks.name(task, registered);
+  if (task != ports::ScheduledTask::null) inner.tasks.release(task);
+  if (folder != ports::TaskFolder::null) inner.tasks.release(folder);
+  if (service != ports::TaskService::null) inner.tasks.release(service);
+  if (entered) inner.com.uninitialize();
+  if (ports::succeeded(result)) return State{"task", registered};
+  if (absent(ports::code::of_result(result))) return std::nullopt;
+  return State{"task", L"not readable, error " + std::to_wstring(ports::code::of_result(result))};
+}
+
+std::optional<State> look_at_driver(const ports::System& inner, const std::wstring& inf) {
+  std::uint32_t size = 0;
+  std::wstring location(32768, L'\0');
+  if (inner.drivers.inf_location(inf.c_str(), location, size)) return State{"driver-package", location.c_str()};
+  const ports::ErrorCode code = inner.errors.last();
+  if (absent(code) || code == ports::code::not_found) return std::nullopt;
+  return State{"driver-package", L"not readable, error " + std::to_wstring(code)};
 }
 
 std::vector<std::wstring> tree_below(const ports::System& inner, const std::wstring& folder) {

@@ -45,6 +45,16 @@ struct KeyPlace {
 /// Names of all values of a key.
 [[nodiscard]] std::vector<std::wstring> value_names(const ports::System& inner, const KeyPlace& place);
 
+/// The key and all keys below it, where it is there. A link is named, and so is the key that it leads to with all that
+/// is below that; each once.
+[[nodiscard]] std::vector<KeyPlace> keys_below(const ports::System& inner, const KeyPlace& place);
+
+/// A task of the scheduler by its full path. Joins COM for the time of the look.
+[[nodiscard]] std::optional<State> look_at_task(const ports::System& inner, const std::wstring& path);
+
+/// A driver package by the name that its INF file has in the system's folder, told by its place in the store.
+[[nodiscard]] std::optional<State> look_at_driver(const ports::System& inner, const std::wstring& inf);
+
 /// All that lies below a folder, relative to it; links are named and not followed.
 [[nodiscard]] std::vector<std::wstring> tree_below(const ports::System& inner, const std::wstring& folder);
 

@@ -1,10 +1,12 @@
 #include "platform/record/recorder.h"
 
 #include "platform/record/ledger.h"
+#include "platform/record/recording_drivers.h"
 #include "platform/record/recording_files.h"
 #include "platform/record/recording_log_streams.h"
 #include "platform/record/recording_processes.h"
 #include "platform/record/recording_registry.h"
+#include "platform/record/recording_tasks.h"
 
 namespace record {
 
@@ -17,7 +19,9 @@ struct Recorder::Parts {
         log_streams(inner, ledger),
         registry(inner, ledger),
         processes(inner, ledger),
-        outer(ports::with(inner, waits, files, log_streams, registry, processes)) {}
+        tasks(inner, ledger),
+        drivers(inner, ledger),
+        outer(ports::with(inner, waits, files, log_streams, registry, processes, tasks, drivers)) {}
 
   const ports::System inner;
   Ledger ledger;
@@ -26,6 +30,8 @@ struct Recorder::Parts {
   RecordingLogStreams log_streams;
   RecordingRegistry registry;
   RecordingProcesses processes;
+  RecordingTasks tasks;
+  RecordingDrivers drivers;
   ports::System outer;
 };
 

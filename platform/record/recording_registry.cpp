@@ -33,6 +33,13 @@ std::optional<KeyPlace> RecordingRegistry::below(ports::RegistryKey parent, cons
   return place;
 }
 
+void RecordingRegistry::watch_tree(const KeyPlace& place) {
+  for (const KeyPlace& key : keys_below(system_, place)) {
+    for (const std::wstring& name : value_names(system_, key)) ledger_.watch_value(key, name);
+    ledger_.watch_key(key);
+  }
+}
+
 void RecordingRegistry::note_key_deletion(const KeyPlace& place, ports::ErrorCode code) {
   ledger_.add_deletion(Ledger::Subject::key, "registry-key", place.path(), code,
                        [this, place] { return look_at_key(system_, place); });
@@ -106,6 +113,46 @@ ports::ErrorCode RecordingRegistry::remove(ports::RegistryKey key) {
   }
   const ports::ErrorCode code = inner_.remove(key);
   note_key_deletion(*place, code);
+  return code;
+}
+
+ports::ErrorCode RecordingRegistry::remove_tree(ports::RegistryKey key, const wchar_t* subkey) {
+  const std::optional<KeyPlace> place = below(key, subkey, 0);
+  if (place) {
+    const KeptError kept(errors_);
+    watch_tree(*place);
+  }
+  const ports::ErrorCode code = inner_.remove_tree(key, subkey);
+  if (place && subkey != nullptr && *subkey != L'\0') note_key_deletion(*place, code);
+  return code;
+}
+
+ports::ErrorCode RecordingRegistry::load_hive(ports::RegistryKey key, const wchar_t* name, const wchar_t* file) {
+  {
+    const KeptError kept(errors_);
+    ledger_.watch_content(file == nullptr ? L"" : file);
+  }
+  const ports::ErrorCode code = inner_.load_hive(key, name, file);
+  const std::optional<KeyPlace> place = below(key, name, 0);
+  if (code != ports::code::success || !place) return code;
+  ledger_.unsettle(place->path());
+  ledger_.add_action("hive-mounted", place->path() + L" from " + plain_path(file == nullptr ? L"" : file));
+  return code;
+}
+
+ports::ErrorCode RecordingRegistry::unload_hive(ports::RegistryKey key, const wchar_t* name) {
+  const std::optional<KeyPlace> place = below(key, name, 0);
+  if (!place) return inner_.unload_hive(key, name);
+  {
+    const KeptError kept(errors_);
+    ledger_.settle(place->path());
+  }
+  const ports::ErrorCode code = inner_.unload_hive(key, name);
+  if (code == ports::code::success) {
+    ledger_.add_action("hive-unmounted", place->path());
+  } else {
+    ledger_.unsettle(place->path());
+  }
   return code;
 }
 

@@ -5,7 +5,8 @@
 
 namespace record {
 
-/// A registry whose changes go into the ledger.
+/// A registry whose changes go into the ledger. A hive's mounting and unmounting is an action; what changes below it is
+/// told by the keys' names while it is mounted, and by the content of its file.
 class RecordingRegistry final : public ports::Registry {
  public:
   RecordingRegistry(const ports::System& inner, Ledger& ledger)
@@ -47,6 +48,8 @@ class RecordingRegistry final : public ports::Registry {
  private:
   [[nodiscard]] std::optional<KeyPlace> below(ports::RegistryKey parent, const wchar_t* subkey,
                                               std::uint32_t access) const;
+  /// A key that is to go with all that lies below it, also where links lead.
+  void watch_tree(const KeyPlace& place);
   void note_key_deletion(const KeyPlace& place, ports::ErrorCode code);
 
   ports::Registry& inner_;
