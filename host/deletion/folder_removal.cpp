@@ -1,5 +1,6 @@
 #include "host/deletion/folder_removal.h"
 
+#include <algorithm>
 #include <array>
 
 #include "host/deletion/folder_target.h"
@@ -25,6 +26,9 @@ bool is_absent(ErrorCode code) {
 }
 bool is_link(std::uint32_t attributes) {
   return (attributes & attribute::reparse_point) != 0;
+}
+bool is_dots(const std::wstring& name) {
+  return name == L"." || name == L"..";
 }
 bool is_folder(std::uint32_t attributes) {
   return (attributes & attribute::directory) != 0;
@@ -65,12 +69,12 @@ ErrorCode FolderRemoval::remove(std::span<const std::wstring> steps) {
 ErrorCode FolderRemoval::hold(const std::wstring& folder, std::vector<OpenHandle>& held) {
   OpenHandle file = open(folder, holding);
   if (!file.good()) return system_.errors.last();
-  std::uint32_t attributes = 0;
-  const ErrorCode failure = inspect(file, held.empty() ? ports::Handle::null : held.back().get(), attributes);
+  ports::FileInformation found;
+  const ErrorCode failure = inspect(file, held.empty() ? ports::Handle::null : held.back().get(), 0, found);
   if (failure != ports::code::success) return failure;
-  if (is_link(attributes)) return ports::code::stopped_on_symlink;
+  if (is_link(found.attributes)) return ports::code::stopped_on_symlink;
   // A file where a folder was expected: what lies below it is not there.
-  if (!is_folder(attributes)) return ports::code::path_not_found;
+  if (!is_folder(found.attributes)) return ports::code::path_not_found;
   held.push_back(std::move(file));
   return ports::code::success;
 }
@@ -78,29 +82,29 @@ ErrorCode FolderRemoval::hold(const std::wstring& folder, std::vector<OpenHandle
 ErrorCode FolderRemoval::remove_top(const std::wstring& path, ports::Handle parent) {
   OpenHandle top = open(path, deleting);
   if (!top.good()) {
-    cannot_open(path, true, parent);
+    cannot_open(path, true, 0, parent);
     return first_failure_;
   }
-  std::uint32_t attributes = 0;
-  const ErrorCode failure = inspect(top, parent, attributes);
+  ports::FileInformation found;
+  const ErrorCode failure = inspect(top, parent, 0, found);
   if (failure != ports::code::success) return failure;
-  if (!is_folder(attributes)) return ports::code::directory_name_invalid;
-  if (!is_link(attributes)) {
+  if (!is_folder(found.attributes)) return ports::code::directory_name_invalid;
+  if (!is_link(found.attributes)) {
     if (is_protected(top)) return ports::code::invalid_parameter;
     if (options_.recursive) remove_children(path, top.get());
   }
-  remove_open(std::move(top), path, attributes);
+  remove_open(std::move(top), path, found);
   return first_failure_;
 }
 
-void FolderRemoval::cannot_open(const std::wstring& path, bool folder, ports::Handle parent) {
+void FolderRemoval::cannot_open(const std::wstring& path, bool folder, std::uint64_t index, ports::Handle parent) {
   const ErrorCode code = system_.errors.last();
   if (is_absent(code)) return;
   if (folder && options_.recursive) {
     const OpenHandle in_use = open(path, holding);
-    std::uint32_t attributes = 0;
-    const bool straight = in_use.good() && inspect(in_use, parent, attributes) == ports::code::success;
-    if (straight && is_folder(attributes) && !is_link(attributes) && !is_protected(in_use)) {
+    ports::FileInformation found;
+    const bool straight = in_use.good() && inspect(in_use, parent, index, found) == ports::code::success;
+    if (straight && is_folder(found.attributes) && !is_link(found.attributes) && !is_protected(in_use)) {
       remove_children(path, in_use.get());
     }
   }
@@ -110,38 +114,48 @@ void FolderRemoval::cannot_open(const std::wstring& path, bool folder, ports::Ha
 void FolderRemoval::remove_children(const std::wstring& folder, ports::Handle handle) {
   // The whole list first: rows that go would shift those that are still to come.
   std::vector<ports::FolderRow> all;
+  if (const ErrorCode code = rows_of(handle, all); code != ports::code::success) note_failure(folder, code);
+  for (const ports::FolderRow& child : all) {
+    if (!is_dots(child.name)) remove_child(folder + L'\\' + child.name, child, handle);
+  }
+}
+
+ErrorCode FolderRemoval::rows_of(ports::Handle folder, std::vector<ports::FolderRow>& all) {
   std::vector<ports::FolderRow> rows;
-  bool listed = system_.files.list(handle, true, rows);
+  bool listed = system_.files.list(folder, true, rows);
   while (listed) {
     all.insert(all.end(), rows.begin(), rows.end());
-    listed = system_.files.list(handle, false, rows);
+    listed = system_.files.list(folder, false, rows);
   }
-  if (const ErrorCode code = system_.errors.last(); code != ports::code::no_more_files) note_failure(folder, code);
-  for (const ports::FolderRow& child : all) {
-    if (child.name != L"." && child.name != L"..") remove_child(folder + L'\\' + child.name, child.attributes, handle);
-  }
+  const ErrorCode code = system_.errors.last();
+  return code == ports::code::no_more_files ? ports::code::success : code;
 }
 
-void FolderRemoval::remove_child(const std::wstring& path, std::uint32_t listed, ports::Handle parent) {
+void FolderRemoval::remove_child(const std::wstring& path, const ports::FolderRow& listed, ports::Handle parent) {
   OpenHandle child = open(path, deleting);
-  if (!child.good()) return cannot_open(path, is_folder(listed) && !is_link(listed), parent);
-  std::uint32_t attributes = 0;
-  const ErrorCode failure = inspect(child, parent, attributes);
+  if (!child.good()) {
+    return cannot_open(path, is_folder(listed.attributes) && !is_link(listed.attributes), listed.index, parent);
+  }
+  ports::FileInformation found;
+  const ErrorCode failure = inspect(child, parent, listed.index, found);
   if (failure != ports::code::success) return note_failure(path, failure);
-  if (is_folder(attributes) && !is_link(attributes)) remove_children(path, child.get());
-  remove_open(std::move(child), path, attributes);
+  if (is_folder(found.attributes) && !is_link(found.attributes)) remove_children(path, child.get());
+  remove_open(std::move(child), path, found);
 }
 
-void FolderRemoval::remove_open(OpenHandle file, const std::wstring& path, std::uint32_t attributes) {
+void FolderRemoval::remove_open(OpenHandle file, const std::wstring& path, const ports::FileInformation& information) {
   ErrorCode code = ports::code::success;
   {
     const OpenHandle open = std::move(file);
-    if ((attributes & attribute::read_only) != 0) {
+    const bool read_only = (information.attributes & attribute::read_only) != 0;
+    if (read_only) {
       (void)system_.files.set_attributes_of(open.get(), attribute::normal);  // the deletion tells whether it worked
     }
     if (!system_.files.mark_deleted(open.get())) code = system_.errors.last();
+    // The attributes are the file's, which lives on by its other names.
+    if (read_only && information.links > 1) (void)system_.files.set_attributes_of(open.get(), information.attributes);
   }
-  if (code != ports::code::success) stays(path, is_folder(attributes), code);
+  if (code != ports::code::success) stays(path, is_folder(information.attributes), code);
 }
 
 void FolderRemoval::stays(const std::wstring& path, bool folder, ErrorCode code) {
@@ -186,17 +200,25 @@ OpenHandle FolderRemoval::open(const std::wstring& path, std::uint32_t wanted) {
                                             ports::open_flag::backup_semantics | ports::open_flag::open_reparse_point)};
 }
 
-ErrorCode FolderRemoval::inspect(const OpenHandle& file, ports::Handle parent, std::uint32_t& attributes) {
-  ports::FileInformation information;
-  // An empty folder can be made a link while it is open. Once something of it is open it is not empty any more, so a
-  // look at the parent now tells whether the way here was straight.
-  if (parent != ports::Handle::null) {
-    if (!system_.files.information(parent, information)) return system_.errors.last();
-    if (is_link(information.attributes)) return ports::code::stopped_on_symlink;
-  }
-  if (!system_.files.information(file.get(), information)) return system_.errors.last();
-  attributes = information.attributes;
-  return ports::code::success;
+ErrorCode FolderRemoval::inspect(const OpenHandle& file, ports::Handle parent, std::uint64_t index,
+                                 ports::FileInformation& out) {
+  if (!system_.files.information(file.get(), out)) return system_.errors.last();
+  if (parent == ports::Handle::null) return ports::code::success;
+  // An empty folder can be made a link while it is open, and a folder again at once, so that its looks do not tell
+  // whether the way here was straight. What it lists does: the list is its own, also while it is a link.
+  ports::FileInformation above;
+  if (!system_.files.information(parent, above)) return system_.errors.last();
+  if (is_link(above.attributes) || above.volume != out.volume) return ports::code::stopped_on_symlink;
+  return out.index == index || lists(parent, out.index) ? ports::code::success : ports::code::stopped_on_symlink;
+}
+
+bool FolderRemoval::lists(ports::Handle folder, std::uint64_t index) {
+  std::vector<ports::FolderRow> rows;
+  if (rows_of(folder, rows) != ports::code::success) return false;
+  return std::any_of(rows.begin(), rows.end(), [index](const ports::FolderRow& row) {
+    // Without numbers on the volume the looks have to do.
+    return !is_dots(row.name) && (row.index == index || row.index == 0);
+  });
 }
 
 bool FolderRemoval::is_protected(const OpenHandle& folder) {

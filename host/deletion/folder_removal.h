@@ -24,8 +24,8 @@ struct FolderRemovalOptions {
 
 /// Deletes one folder and what is in it, and follows no link on the way: every part of the path is opened as itself,
 /// from the drive's root down, and stays open, so that nobody can put a link in its place while something below it
-/// goes. A link inside the folder goes as a link; what it points at stays. Deletion is by handle. Booking and moving go
-/// by path, under ancestors that are held.
+/// goes; and each has to be one that the folder before it lists. A link inside the folder goes as a link; what it
+/// points at stays. Deletion is by handle. Booking and moving go by path, under ancestors that are held.
 class FolderRemoval {
  public:
   /// `protected_folders` are compared by file identity as well, since a path has more than one spelling.
@@ -43,18 +43,22 @@ class FolderRemoval {
   [[nodiscard]] ports::ErrorCode hold(const std::wstring& folder, std::vector<OpenHandle>& held);
   [[nodiscard]] ports::ErrorCode remove_top(const std::wstring& path, ports::Handle parent);
   void remove_children(const std::wstring& folder, ports::Handle handle);
-  void remove_child(const std::wstring& path, std::uint32_t listed, ports::Handle parent);
+  void remove_child(const std::wstring& path, const ports::FolderRow& listed, ports::Handle parent);
   /// For what did not open for erasing. A folder in use stays, but what is in it goes.
-  void cannot_open(const std::wstring& path, bool folder, ports::Handle parent);
+  void cannot_open(const std::wstring& path, bool folder, std::uint64_t index, ports::Handle parent);
   /// Deletes what is open; `path` is for the log, and for booking once it is closed.
-  void remove_open(OpenHandle file, const std::wstring& path, std::uint32_t attributes);
+  void remove_open(OpenHandle file, const std::wstring& path, const ports::FileInformation& information);
   void stays(const std::wstring& path, bool folder, ports::ErrorCode code);
   void note_failure(const std::wstring& path, ports::ErrorCode code);
   [[nodiscard]] bool put_aside(const std::wstring& path, bool folder);
   [[nodiscard]] bool move_to_temporary(const std::wstring& path, std::wstring& moved);
   [[nodiscard]] OpenHandle open(const std::wstring& path, std::uint32_t access);
-  /// The attributes of what is open below `parent`, which must not have become a link meanwhile.
-  [[nodiscard]] ports::ErrorCode inspect(const OpenHandle& file, ports::Handle parent, std::uint32_t& attributes);
+  /// Looks at what was opened below `parent`, which has to be listed there. `index` is its number where that was listed
+  /// before.
+  [[nodiscard]] ports::ErrorCode inspect(const OpenHandle& file, ports::Handle parent, std::uint64_t index,
+                                         ports::FileInformation& out);
+  [[nodiscard]] ports::ErrorCode rows_of(ports::Handle folder, std::vector<ports::FolderRow>& all);
+  [[nodiscard]] bool lists(ports::Handle folder, std::uint64_t index);
   [[nodiscard]] bool is_protected(const OpenHandle& folder);
 
   const ports::System& system_;

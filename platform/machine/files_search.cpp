@@ -46,12 +46,12 @@ struct Search final : Object {
   const FileNode& node = tree.nodes.at(folder);
   if (!node.places.empty()) {
     const FileNode& above = tree.nodes.at(node.places.front().folder);
-    if (matches(expression, L".")) rows.push_back({L".", reported_attributes(node), 0});
-    if (matches(expression, L"..")) rows.push_back({L"..", reported_attributes(above), 0});
+    if (matches(expression, L".")) rows.push_back({L".", reported_attributes(node), 0, folder});
+    if (matches(expression, L"..")) rows.push_back({L"..", reported_attributes(above), 0, node.places.front().folder});
   }
   for (const auto& [name, id] : node.children) {
     const FileNode& one = tree.nodes.at(id);
-    if (found_by(node, name, expression)) rows.push_back({name, reported_attributes(one), one.size});
+    if (found_by(node, name, expression)) rows.push_back({name, reported_attributes(one), one.size, id});
   }
   return rows;
 }

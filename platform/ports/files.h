@@ -86,6 +86,8 @@ struct FolderRow {
   std::wstring name;
   std::uint32_t attributes = 0;
   std::uint64_t size = 0;
+  /// From `list`: the number as in `FileInformation`, of a link its own. 0 where the volume does not tell.
+  std::uint64_t index = 0;
 };
 
 /// Files and folders. Paths are NUL-terminated Windows paths of UTF-16 code units; "/" counts as "\". Every operation

@@ -23,12 +23,17 @@ ports::FolderRow row_of(const WIN32_FIND_DATAW& found) {
   return {found.cFileName, found.dwFileAttributes, joined(found.nFileSizeHigh, found.nFileSizeLow)};
 }
 
+/// All bits are set where the number does not fit.
+std::uint64_t told_index(const LARGE_INTEGER& id) {
+  return id.QuadPart == -1 ? 0 : static_cast<std::uint64_t>(id.QuadPart);
+}
+
 /// The rows that one call put into `block`.
 void take_rows(const std::uint8_t* block, std::vector<ports::FolderRow>& rows) {
   for (;;) {
     const auto& found = *reinterpret_cast<const FILE_ID_BOTH_DIR_INFO*>(block);
     rows.push_back({std::wstring(found.FileName, found.FileNameLength / sizeof(wchar_t)), found.FileAttributes,
-                    static_cast<std::uint64_t>(found.EndOfFile.QuadPart)});
+                    static_cast<std::uint64_t>(found.EndOfFile.QuadPart), told_index(found.FileId)});
     if (found.NextEntryOffset == 0) return;
     block += found.NextEntryOffset;
   }

@@ -79,12 +79,22 @@ TEST_P(Files, AFolderIsListedThroughItsHandleWhileItIsHeld) {
                    share::read | share::write, ports::Disposition::open_existing, ports::open_flag::backup_semantics);
   ASSERT_NE(folder, Handle::invalid) << last_error();
   std::set<std::wstring> names;
+  std::uint64_t index = 0;
   std::vector<ports::FolderRow> rows;
   for (bool more = files().list(folder, true, rows); more; more = files().list(folder, false, rows)) {
-    for (const ports::FolderRow& row : rows) names.insert(row.name);
+    for (const ports::FolderRow& row : rows) {
+      names.insert(row.name);
+      if (row.name == L"inner") index = row.index;
+    }
   }
   EXPECT_EQ(last_error(), code::no_more_files);
   EXPECT_EQ(names, (std::set<std::wstring>{L".", L"..", L"inner"}));
+  const Handle inner = files().open(path(L"held\\inner").c_str(), access::read_attributes, share::all,
+                                    ports::Disposition::open_existing, ports::open_flag::backup_semantics);
+  ports::FileInformation information;
+  EXPECT_TRUE(files().information(inner, information));
+  EXPECT_EQ(index, information.index);
+  EXPECT_TRUE(system().waits.close(inner));
   EXPECT_FALSE(files().mark_deleted(folder));
   EXPECT_EQ(last_error(), code::directory_not_empty);
   EXPECT_TRUE(system().waits.close(folder));

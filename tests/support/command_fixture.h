@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "host/commands/own_commands.h"
 #include "host/session.h"
 #include "installer/desktop/module/library.h"
 #include "installer/utils/base/strings/utf8.h"
@@ -56,7 +57,8 @@ class CommandWorld {
   }
 
   Loaded load(std::string_view stem, const Attributes& attributes, std::int32_t index = 5) {
-    Loaded loaded{host::CommandOwner(library.find(stem)())};
+    const ky::Factory own = host::TableFactories(host::own_commands()).find(stem);
+    Loaded loaded{host::CommandOwner((own != nullptr ? own : library.find(stem))())};
     loaded.command->SetIndex(index);
     ky::AttributeMap* map = map_of(attributes);
     loaded.result = loaded.command->LoadCiphered(&map);
