@@ -1,6 +1,7 @@
 #include "installer/desktop/commands/hives/regunloadpreviouslyloadeduserhives.h"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "installer/desktop/commands/base/trace.h"
@@ -22,7 +23,7 @@ constexpr wchar_t log_name[] = L"RegUnloadPreviouslyLoadedUserHivesCommand";
   for (std::uint32_t position = 0;; ++position) {
     std::wstring name;
     if (const auto end = registry.subkey_within(ports::RegistryKey::users, position, room, name)) return end;
-    if (IsMountName(name)) mounted.push_back(name);
+    if (IsMountName(name)) mounted.push_back(std::move(name));
   }
 }
 

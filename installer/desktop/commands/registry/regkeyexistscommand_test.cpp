@@ -14,7 +14,7 @@ using Attributes = CommandWorld::Attributes;
 using Lines = std::vector<std::wstring>;
 
 struct Trial : CommandWorld {
-  explicit Trial(const support::NamedWorld& world = layout()) : CommandWorld(world.state) {}
+  explicit Trial(const support::NamedWorld& laid_out = layout()) : CommandWorld(laid_out.state) {}
   static support::NamedWorld layout() {
     support::NamedWorld world;
     world.key(L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Tavrine").key(L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Classes\\.kyx");
