@@ -1,6 +1,9 @@
 #include "tests/contract/machine_world.h"
 
+#include <span>
+
 #include "platform/machine/file_lookup.h"
+#include "platform/machine/hive_content.h"
 #include "platform/machine/machine.h"
 #include "platform/ports/build.h"
 #include "platform/ports/signatures.h"
@@ -25,9 +28,7 @@ class MachineWorld final : public World {
 
   Child child(std::uint32_t milliseconds, std::uint32_t exit_code) override {
     const std::wstring path = L"C:\\child" + std::to_wstring(++children_) + L".exe";
-    const ports::Handle file =
-        system_.files.open(path.c_str(), ports::file_access::generic_write, 0, ports::Disposition::create_new, 0);
-    EXPECT_TRUE(system_.waits.close(file));
+    write_file(path, {});
     machine_.change([&](machine::State& state) {
       machine::Program program;
       program.image = path;
@@ -43,11 +44,7 @@ class MachineWorld final : public World {
     static constexpr ports::Result results[] = {trust::trusted,    trust::trusted, trust::no_signature,
                                                 trust::bad_digest, trust::expired, trust::untrusted_root};
     const std::wstring path = folder() + L"\\library" + std::to_wstring(++libraries_) + L".dll";
-    const ports::Handle file =
-        system_.files.open(path.c_str(), ports::file_access::generic_write, 0, ports::Disposition::create_new, 0);
-    std::uint32_t written = 0;
-    EXPECT_TRUE(system_.files.write(file, std::vector<std::uint8_t>{'M', 'Z'}, written));
-    EXPECT_TRUE(system_.waits.close(file));
+    write_file(path, std::vector<std::uint8_t>{'M', 'Z'});
     if (signing == Signing::none) return path;
     machine_.change([&](machine::State& state) {
       const machine::Path parsed = machine::parse_path(path, L"C:\\").path;
@@ -61,16 +58,50 @@ class MachineWorld final : public World {
     return path;
   }
 
+  std::wstring hive() override {
+    machine::RegistryTree tree;
+    const machine::KeyId root = machine::add_key(tree, tree.users, L"root");
+    machine::make_keys_below(tree, root, machine::split_path(hive_key));
+    std::wstring path = folder() + L"\\hive" + std::to_wstring(++hives_);
+    write_file(path, machine::hive_bytes(tree, root));
+    return path;
+  }
+
+  void add_task(const std::wstring& path) override {
+    machine_.change([&](machine::State& state) { state.scheduled_tasks.tasks[path] = {}; });
+  }
+
+  std::wstring package_inf() override {
+    const std::wstring store = L"C:\\Windows\\System32\\DriverStore\\FileRepository\\ky.inf_amd64_1\\ky.inf";
+    machine_.change([&](machine::State& state) {
+      machine::FileNode inf;
+      inf.store = store;
+      machine::add_node(state.files,
+                        machine::make_folders(state.files, machine::parse_path(L"C:\\Windows\\INF", L"C:\\").path),
+                        L"oem7.inf", std::move(inf));
+    });
+    return L"oem7.inf";
+  }
+
   bool wine() const override { return false; }
   bool wine_engines() const override { return engines_are_wine(); }
 
  private:
+  void write_file(const std::wstring& path, std::span<const std::uint8_t> bytes) {
+    const ports::Handle file =
+        system_.files.open(path.c_str(), ports::file_access::generic_write, 0, ports::Disposition::create_new, 0);
+    std::uint32_t written = 0;
+    EXPECT_TRUE(system_.files.write(file, bytes, written));
+    EXPECT_TRUE(system_.waits.close(file));
+  }
+
   machine::Machine machine_;
   std::unique_ptr<ports::Engines> engines_ = ports::make_engines(machine_.errors());
   ports::System system_ = machine_.system(*engines_);
   std::wstring folder_;
   std::uint32_t children_ = 0;
   std::uint32_t libraries_ = 0;
+  std::uint32_t hives_ = 0;
 };
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "platform/ports/registry.h"
 
 #include <algorithm>
+#include <span>
 
 #include "tests/contract/world.h"
 
@@ -45,6 +46,14 @@ class Registry : public Contract {
     bool created = false;
     EXPECT_EQ(registry().create(parent == RegistryKey::null ? root_ : parent, name, options, full, key, created), 0U);
     return key;
+  }
+
+  /// Both below the root.
+  void make_link(const wchar_t* name, const wchar_t* target) {
+    const RegistryKey link = make(name, option::create_link);
+    const std::wstring path = L"\\Registry\\Machine\\" + world().key() + L"\\" + target;
+    EXPECT_EQ(registry().set(link, L"SymbolicLinkValue", {RegistryType::link, stored(path, false)}), 0U);
+    EXPECT_EQ(registry().close(link), 0U);
   }
 
   /// Opens, closes, and tells the code.
@@ -120,6 +129,82 @@ TEST_P(Registry, AnEnumerationGivesEachNameOnceAndThenEnds) {
   EXPECT_EQ(names(&ports::Registry::value_name), both);
 }
 
+TEST_P(Registry, AKeyTellsHowMuchIsInItAndHowLongNamesAre) {
+  ports::KeyInformation told{9, 9, 9};
+  EXPECT_EQ(registry().information(root(), told), 0U);
+  EXPECT_EQ(told.subkeys + told.longest_subkey + told.values, 0U);
+  for (const wchar_t* name : {L"one", L"three\\longest"}) EXPECT_EQ(registry().close(make(name)), 0U);
+  ASSERT_EQ(registry().set(root(), L"long name", {RegistryType::none, {}}), 0U);
+  EXPECT_EQ(registry().information(root(), told), 0U);
+  EXPECT_EQ(told.subkeys, 2U);
+  EXPECT_EQ(told.longest_subkey, 5U);
+  EXPECT_EQ(told.values, 1U);
+
+  std::wstring name = L"as before";
+  for (const std::uint32_t room : {0U, 1U, 3U}) {
+    EXPECT_EQ(registry().subkey_within(root(), 0, room, name), code::more_data) << room;
+  }
+  EXPECT_EQ(name, L"as before");
+  EXPECT_EQ(registry().subkey_within(root(), 0, 4, name), 0U);
+  EXPECT_EQ(name, L"one");
+  EXPECT_EQ(registry().subkey_within(root(), 1, 4, name), code::more_data);
+  EXPECT_EQ(registry().subkey_within(root(), 1, told.longest_subkey + 1, name), 0U);
+  EXPECT_EQ(name, L"three");
+  EXPECT_EQ(registry().subkey_within(root(), 2, 1, name), code::no_more_items);
+}
+
+TEST_P(Registry, ATextIsExpandedEndedAndMeasuredInBytes) {
+  ASSERT_EQ(registry().set(root(), L"plain", {RegistryType::text, stored(L"%x%")}), 0U);
+  ASSERT_EQ(registry().set(root(), L"open", {RegistryType::text, stored(L"abc", false)}), 0U);
+  ASSERT_EQ(registry().set(root(), L"", {RegistryType::expandable, stored(L"%SystemDrive%\\x")}), 0U);
+  const struct {
+    const wchar_t* name;
+    std::wstring text;
+  } rows[] = {{L"plain", L"%x%"}, {L"open", L"abc"}, {L"", L"C:\\x"}};
+  const std::wstring key = world().key();
+  for (const auto& row : rows) {
+    const auto get = [&](std::span<wchar_t> into, std::uint32_t& size) {
+      return registry().get_text(RegistryKey::local_machine, key.c_str(), row.name, into, size);
+    };
+    const std::uint32_t wanted = static_cast<std::uint32_t>(row.text.size() + 1) * 2;
+    std::uint32_t size = 0;
+    EXPECT_EQ(get({}, size), 0U);
+    EXPECT_EQ(size, wanted);
+    std::wstring text(40, L'#');
+    EXPECT_EQ(get(std::span(text).first(row.text.size()), size), code::more_data) << "no room for the end";
+    EXPECT_EQ(get(text, size), 0U);
+    EXPECT_EQ(size, wanted);
+    EXPECT_EQ(text.c_str(), row.text);
+  }
+  std::uint32_t size = 0;
+  EXPECT_EQ(registry().get_text(root(), L"", L"absent", {}, size), code::file_not_found);
+  EXPECT_EQ(registry().get_text(root(), L"absent", L"plain", {}, size), code::file_not_found);
+  ASSERT_EQ(registry().set(root(), L"number", {RegistryType::number, {1, 0, 0, 0}}), 0U);
+  EXPECT_EQ(registry().get_text(root(), L"", L"number", {}, size), code::unsupported_type);
+}
+
+TEST_P(Registry, ATreeGoesWholeOrIsEmptied) {
+  EXPECT_EQ(registry().close(make(L"tree\\a\\b")), 0U);
+  EXPECT_EQ(registry().remove_tree(root(), L"tree\\a"), 0U);
+  EXPECT_EQ(try_open(L"tree\\a"), code::file_not_found);
+  EXPECT_EQ(registry().remove_tree(root(), L"tree\\a"), code::file_not_found);
+
+  const RegistryKey tree = make(L"tree\\c");
+  ASSERT_EQ(registry().set(tree, L"value", {RegistryType::none, {}}), 0U);
+  EXPECT_EQ(registry().close(make(L"below", 0, tree)), 0U);
+  RegistryKey reader = RegistryKey::null;
+  ASSERT_EQ(registry().open(tree, L"", 0, access::read, reader), 0U);
+  EXPECT_EQ(registry().remove_tree(reader, L""), code::access_denied) << "values want the right to write";
+  EXPECT_EQ(registry().close(reader), 0U);
+  EXPECT_EQ(registry().remove_tree(tree, L""), 0U);
+  ports::KeyInformation left{9, 9, 9};
+  EXPECT_EQ(registry().information(tree, left), 0U) << "the key stays";
+  EXPECT_EQ(left.subkeys + left.values, 0U);
+  EXPECT_EQ(registry().remove_tree(root(), L"tree"), 0U);
+  EXPECT_EQ(registry().information(tree, left), code::key_deleted);
+  EXPECT_EQ(registry().close(tree), 0U);
+}
+
 TEST_P(Registry, ARightThatWasNotAskedForIsRefused) {
   RegistryKey reader = RegistryKey::null;
   ASSERT_EQ(registry().open(root(), L"", 0, access::read, reader), 0U);
@@ -159,10 +244,7 @@ TEST_P(Registry, BelowAVolatileKeyAllIsVolatile) {
 
 TEST_P(Registry, ALinkIsFollowedUnlessItIsOpenedItself) {
   EXPECT_EQ(registry().close(make(L"target\\below")), 0U);
-  const RegistryKey link = make(L"link", option::create_link);
-  const std::wstring path = L"\\Registry\\Machine\\" + world().key() + L"\\target";
-  ASSERT_EQ(registry().set(link, L"SymbolicLinkValue", {RegistryType::link, stored(path, false)}), 0U);
-  EXPECT_EQ(registry().close(link), 0U);
+  make_link(L"link", L"target");
   EXPECT_EQ(try_open(L"link\\below"), 0U);
 
   RegistryKey itself = RegistryKey::null;
@@ -174,6 +256,21 @@ TEST_P(Registry, ALinkIsFollowedUnlessItIsOpenedItself) {
   EXPECT_EQ(registry().close(itself), 0U);
   EXPECT_EQ(try_open(L"link"), code::file_not_found);
   EXPECT_EQ(try_open(L"target\\below"), 0U);
+}
+
+TEST_P(Registry, WhatALinkInATreeLeadsToGoesAndTheLinkStays) {
+  for (const wchar_t* name : {L"target\\below", L"tree\\a", L"tree\\z"}) EXPECT_EQ(registry().close(make(name)), 0U);
+  make_link(L"tree\\link", L"target");
+  EXPECT_EQ(registry().remove_tree(root(), L"tree"), code::file_not_found);
+  EXPECT_EQ(try_open(L"target"), code::file_not_found);
+  EXPECT_EQ(try_open(L"tree\\link", option::open_link), 0U);
+  EXPECT_EQ(try_open(L"tree\\a"), code::file_not_found);
+  EXPECT_EQ(try_open(L"tree\\z"), 0U) << "nobody came so far";
+
+  EXPECT_EQ(registry().close(make(L"target\\below")), 0U);
+  EXPECT_EQ(registry().remove_tree(root(), L"tree\\link"), 0U);
+  EXPECT_EQ(try_open(L"target"), code::file_not_found);
+  EXPECT_EQ(try_open(L"tree\\link", option::open_link), 0U);
 }
 
 KY_CONTRACT(Registry);

@@ -43,6 +43,12 @@ class World {
   [[nodiscard]] virtual Child child(std::uint32_t milliseconds, std::uint32_t exit_code) = 0;
   /// A fresh library in the scratch folder.
   [[nodiscard]] virtual std::wstring library(Signing signing) = 0;
+  /// A fresh file that is a hive with the keys of `hive_key`.
+  [[nodiscard]] virtual std::wstring hive() = 0;
+  /// Registers a task under a full path; it goes with the world.
+  virtual void add_task(const std::wstring& path) = 0;
+  /// The name under which a driver package of the store published its INF file.
+  [[nodiscard]] virtual std::wstring package_inf() = 0;
   /// Makes sure that a desktop's shell runs.
   virtual void start_shell() {}
   /// The real system is Wine, which is known to differ in places: the rows of docs/wine.md.
@@ -50,6 +56,8 @@ class World {
   /// The engines are those of Wine; a machine has the engines of its build.
   [[nodiscard]] virtual bool wine_engines() const = 0;
 };
+
+inline constexpr wchar_t hive_key[] = L"Software\\Held";
 
 struct WorldMaker {
   const char* name;

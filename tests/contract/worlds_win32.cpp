@@ -4,6 +4,7 @@
 #include "platform/ports/modules.h"
 #include "platform/ports/processes.h"
 #include "tests/contract/machine_world.h"
+#include "tests/contract/real_layout.h"
 #include "tests/contract/scratch.h"
 #include "tests/contract/signed_files.h"
 #include "tests/contract/world.h"
@@ -47,6 +48,17 @@ class RealWorld final : public World {
     return path;
   }
 
+  std::wstring hive() override {
+    std::wstring path = folder() + L"\\hive" + std::to_wstring(++hives_);
+    save_hive(path, key() + L"Hive", hive_key);
+    return path;
+  }
+
+  void add_task(const std::wstring& path) override { tasks_.add(path); }
+
+  // Of every Windows's own.
+  std::wstring package_inf() override { return L"disk.inf"; }
+
   // Wine starts its shell with the first thread that asks for the desktop, and only then.
   void start_shell() override { ASSERT_NE(GetDesktopWindow(), nullptr); }
 
@@ -57,6 +69,8 @@ class RealWorld final : public World {
   const ports::System& system_ = *ports::real_system(ports::Module::null);
   std::wstring folder_;
   std::uint32_t libraries_ = 0;
+  std::uint32_t hives_ = 0;
+  RegisteredTasks tasks_;
 };
 
 }  // namespace
