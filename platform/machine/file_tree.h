@@ -8,6 +8,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "platform/machine/file_bytes.h"
 #include "platform/machine/names.h"
 
 namespace machine {
@@ -37,7 +38,7 @@ struct FileNode {
   bool folder = false;           // also of a link to a folder
   std::uint32_t attributes = 0;  // what is set by hand; `reported_attributes` adds the rest
   std::uint64_t size = 0;
-  std::vector<std::uint8_t> bytes;  // the content's beginning; zeros up to `size`
+  FileBytes bytes;  // the content's beginning; zeros up to `size`
   LinkKind link = LinkKind::none;
   std::wstring target;       // of a link
   bool protect = false;      // only reading is allowed
@@ -48,6 +49,7 @@ struct FileNode {
   std::vector<FileHold> holds;
   std::map<std::wstring, NodeId, NameLess> children;
   std::vector<FilePlace> places;  // all its names; none for a drive's root
+  NodeId root = 0;                // its drive's root, for good: nothing is moved to another drive
 };
 
 struct Volume {
