@@ -46,6 +46,7 @@ class CLoggerApi final : public Destroyable<CLoggerApi, ILoggerApi> {
   [[nodiscard]] diagnostics::LogRun Run() const { return {label, start_time, Sealed()}; }
   [[nodiscard]] std::wstring ThreadPath(std::uint32_t thread) const;
 
+  void Write(const wchar_t* format, ...);
   void WriteHead(ports::LogStream stream) const;
   /// Where a thread's records go, and its IV, which is the thread's own.
   struct Lane {
