@@ -18,17 +18,6 @@ namespace log_format = diagnostics::log_format;
 using diagnostics::LogStreamOwner;
 using diagnostics::Scratch;
 
-namespace {
-
-std::wstring first_record(std::uint32_t thread, const wchar_t* description) {
-  const ports::LocalTime now = ports::system().clock.local();
-  return base::strings::format(L"=========== Started logging for thread %u (%s) on %02ld.%02ld.%02ld ===========",
-                               thread, description == nullptr ? L"No description" : description, std::int32_t{now.day},
-                               std::int32_t{now.month}, std::int32_t{now.year});
-}
-
-}  // namespace
-
 CLoggerApi::CLoggerApi() : start_time(static_cast<std::uint64_t>(ports::system().clock.seconds_since_1970())) {}
 
 // No lock: all threads are done.
@@ -76,7 +65,16 @@ void CLoggerApi::StartThreadLog(const wchar_t* description, bool is_main_thread)
     unused_streams.push_back(std::move(made.stream));
   }
   if (stream != ports::LogStream::null) WriteHead(stream);
-  WriteLine(first_record(thread, description).c_str());
+  const ports::LocalTime now = ports::system().clock.local();
+  Write(log_format::first_record, thread, description == nullptr ? L"No description" : description,
+        std::int32_t{now.day}, std::int32_t{now.month}, std::int32_t{now.year});
+}
+
+void CLoggerApi::Write(const wchar_t* format, ...) {
+  std::va_list arguments;
+  va_start(arguments, format);
+  WriteFormatted(format, arguments);
+  va_end(arguments);
 }
 
 void CLoggerApi::WriteFormatted(const wchar_t* format, std::va_list arguments) {

@@ -47,6 +47,7 @@ class CLoggerApi final : public Destroyable<CLoggerApi, ILoggerApi> {
   [[nodiscard]] diagnostics::LogRun Run() const { return {label, start_time, Sealed()}; }
   [[nodiscard]] std::wstring ThreadPath(std::uint32_t thread) const;
 
+  void Write(const wchar_t* format, ...);
   void WriteHead(ports::LogStream stream) const;
   /// What a thread has; it alone uses the IV.
   struct ThreadLog {
