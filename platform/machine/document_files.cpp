@@ -255,7 +255,7 @@ namespace {
     link[node.link == LinkKind::junction ? "junction" : "symbolic"] = json_text(node.target);
     row["link"] = picojson::value(link);
   } else if (!node.folder) {
-    if (!node.bytes.empty()) write_content(node.bytes, row);
+    if (!node.bytes.empty()) write_content(node.bytes.all(), row);
     if (node.size != node.bytes.size() || node.size == 0) row["size"] = json_number(node.size);
   }
   if (case_sensitive(node)) row["case_sensitive"] = picojson::value(true);
