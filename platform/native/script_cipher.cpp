@@ -47,19 +47,20 @@ void OpensslCipher::destroy_key(std::uintptr_t key) {
   keys_.erase(key);
 }
 
-bool OpensslCipher::decode_base64(const wchar_t* text, std::uint32_t length, std::span<std::uint8_t> into,
+bool OpensslCipher::decode_base64(const wchar_t* text, std::uint32_t count, std::span<std::uint8_t> into,
                                   std::uint32_t& size) {
+  std::size_t length = count;
   while (length > 0 && text[length - 1] == L'=') --length;
   if (length % 4 == 1) return fail(ports::code::invalid_data);
-  const std::uint32_t needed = length / 4 * 3 + (length % 4 == 0 ? 0 : length % 4 - 1);
+  const std::size_t needed = length / 4 * 3 + (length % 4 == 0 ? 0 : length % 4 - 1);
   if (needed > into.size()) return fail(ports::code::more_data);
   std::uint32_t seen = 0;
   std::uint32_t beyond = 0;
-  for (std::uint32_t i = 0; i < length; ++i) beyond |= static_cast<std::uint32_t>(text[i]);
+  for (std::size_t i = 0; i < length; ++i) beyond |= static_cast<std::uint32_t>(text[i]);
   const auto value_of = [](std::uint32_t place, wchar_t c) {
     return base64_values[place][static_cast<std::uint8_t>(c)];
   };
-  std::uint32_t at = 0;
+  std::size_t at = 0;
   std::uint8_t* to = into.data();
   for (; at + 4 <= length; at += 4) {
     const std::uint32_t bits =
@@ -75,7 +76,7 @@ bool OpensslCipher::decode_base64(const wchar_t* text, std::uint32_t length, std
   if (length % 4 >= 2) *to++ = static_cast<std::uint8_t>(rest >> 16);
   if (length % 4 == 3) *to++ = static_cast<std::uint8_t>(rest >> 8);
   if (seen >> 24 != 0 || beyond >= base64_values[0].size()) return fail(ports::code::invalid_data);
-  size = needed;
+  size = static_cast<std::uint32_t>(needed);
   return true;
 }
 
