@@ -41,6 +41,10 @@ constexpr Target targets[] = {
     {"scrambled and flushed records, times the same", "log_scrambled", "log_in_the_clear", 1 / 0.7},
     {"two threads' sealed records, times one's", "log_sealed_by_two", "log_sealed", 2 / 1.6},
     {"a sealed log read in file order, times deciphering", "log_read_in_order", "log_read_floor", 2},
+    {"5,000 processes filtered by name, times a hash join", "filter_processes", "filter_processes_floor", 3},
+    {"ten times the processes filtered, times", "filter_ten_times", "filter_processes", 13},
+    {"targets found by identity, times a hash join", "find_targets", "find_targets_floor", 3},
+    {"ten times the processes looked at, times", "find_ten_times", "find_targets", 13},
     {"the edition's whole rehearsal, microseconds", "rehearse_edition", nullptr, 100'000},
 };
 

@@ -18,9 +18,10 @@ function(ky_unit_tests)
   endforeach()
 endfunction()
 
-# ky_test_program(name SOURCES ... LINKS ...): a GoogleTest program whose cases ctest runs one by one.
+# ky_test_program(name SOURCES ... LINKS ... [NEEDS fixture ...]): a GoogleTest program whose cases ctest runs one by one,
+# after the tests that set up the fixtures.
 function(ky_test_program name)
-  cmake_parse_arguments(arg "" "" "SOURCES;LINKS" ${ARGN})
+  cmake_parse_arguments(arg "" "" "SOURCES;LINKS;NEEDS" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}" "${PROJECT_SOURCE_DIR}/include")
   target_link_libraries(${name} PRIVATE ${arg_LINKS} ky_googletest)
@@ -28,5 +29,6 @@ function(ky_test_program name)
   target_compile_definitions(${name} PRIVATE "KY_SOURCE_FOLDER=\"${PROJECT_SOURCE_DIR}\""
     "KY_LOG_PUBLIC_KEY=\"${KY_LOG_PUBLIC_KEY}\"")
   include(GoogleTest)
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120 PROPERTIES TIMEOUT 180)
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120
+    PROPERTIES TIMEOUT 180 FIXTURES_REQUIRED "${arg_NEEDS}")
 endfunction()

@@ -314,7 +314,7 @@ TEST_F(Logger, FailuresOfTheProviderCarryTheirCallAndCode) {
   EXPECT_EQ(caught([] { static_cast<void>(diagnostics::open_algorithm(L"none")); }).substr(0, 42),
             "::BCryptOpenAlgorithmProvider has failed.:");
   EXPECT_EQ(caught([] { static_cast<void>(diagnostics::block_length(ports::CngKey::null)); }),
-            "::BCryptGetProperty has failed.: error 6 | 6");
+            "::BCryptGetProperty has failed.: The handle is invalid.\r\n | 6");
   Bytes iv;
   EXPECT_THROW(static_cast<void>(diagnostics::encrypt_buffer(ports::CngKey::null, iv, iv, 1)), std::out_of_range);
 }

@@ -11,21 +11,9 @@
 
 namespace host {
 
-namespace {
-
-ports::System with_cipher(const ports::System& system, ports::ScriptCipher& cipher) {
-  return {system.errors,      system.clock,       system.threads,     system.waits,
-          system.files,       system.registry,    system.processes,   system.modules,
-          system.resources,   system.environment, system.termination, system.text,
-          system.log_streams, system.crashes,     system.winapi,      cipher,
-          system.key_maker,   system.xml,         system.cng,         system.own_module};
-}
-
-}  // namespace
-
 Session::Session(const ports::System& system, const Factories& library)
     : cipher_(system.cipher),
-      system_(with_cipher(system, cipher_)),
+      system_(ports::with(system, cipher_)),
       own_(own_commands()),
       library_(library),
       current_(store_) {

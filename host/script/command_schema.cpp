@@ -9,6 +9,7 @@
 #include "host/script/schema/flow.h"
 #include "host/script/schema/host_deletions.h"
 #include "host/script/schema/host_values.h"
+#include "host/script/schema/process.h"
 #include "ky/factories.h"
 #include "ky/keys.h"
 
@@ -18,6 +19,9 @@ namespace {
 
 constexpr CommandSchema commands[] = {
     schema::clear_old_logs,
+    schema::close_process,
+    schema::close_processes,
+    schema::command_line_parser,
     schema::crash_handler,
     schema::delete_file,
     schema::delete_folder,

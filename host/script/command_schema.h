@@ -11,6 +11,7 @@ namespace host {
 enum class Form : std::uint8_t {
   integer,        // base 0; text that is no number is 0
   flag,           // an integer, true if not 0
+  milliseconds,   // a decimal integer, or INFINITE in any case
   index,          // of a command: an integer, or "#id" in a plain script
   text,           // as it stands
   folder_path,    // a text that should end in a backslash
@@ -33,16 +34,18 @@ struct AttributeSchema {
   std::string_view name{};  // a family's without its number
   Form form = Form::text;
   bool required = false;
-  bool expanded = false;            // its `[Name]` forms are replaced when the command runs
-  bool keeps_expansion = false;     // and the command keeps the result: a later run sees the first run's values
-  Access access = Access::none;     // of name forms
-  bool numbered = false;            // name1, name2, ...
-  bool gaps_allowed = false;        // of a family: numbers may be missing; otherwise the first gap ends it
-  std::uint16_t longest = 0;        // characters; 0: only the limit that every value has
-  std::string_view integer_with{};  // see Form::either_name
-  std::string_view text_with{};     // see Form::either_name
-  std::string_view name_with{};     // see Form::integer_or_name
-  std::string_view needs{};         // what it does nothing without; of a family, the attribute with the same number
+  bool expanded = false;              // its `[Name]` forms are replaced when the command runs
+  bool keeps_expansion = false;       // and the command keeps the result: a later run sees the first run's values
+  Access access = Access::none;       // of name forms
+  bool numbered = false;              // name1, name2, ...
+  bool gaps_allowed = false;          // of a family: numbers may be missing; otherwise the first gap ends it
+  std::uint16_t attributes_each = 1;  // of a family with gaps: numbers go up to the element's attributes, less one,
+                                      // divided by this
+  std::uint16_t longest = 0;          // characters; 0: only the limit that every value has
+  std::string_view integer_with{};    // see Form::either_name
+  std::string_view text_with{};       // see Form::either_name
+  std::string_view name_with{};       // see Form::integer_or_name
+  std::string_view needs{};           // what it does nothing without; of a family, the attribute with the same number
   std::span<const std::string_view> choices{};  // what a value without `[Name]` must be one of, where there are any
   std::string_view default_value{};  // what an absent attribute is taken for, as an author would write it; may be empty
   std::string_view meaning{};        // one sentence for authors

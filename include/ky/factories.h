@@ -14,6 +14,9 @@
 /// Two stems differ from their class's name on purpose: hosts look for them.
 #define KY_FACTORIES(FACTORY) \
   FACTORY(ClearOldLogs, CClearOldLogsCommand) \
+  FACTORY(CloseProcess, CCloseProcess) \
+  FACTORY(CloseProcesses, CCloseProcessesCommand) \
+  FACTORY(CommandLineParser, CCommandLineParserCommand) \
   FACTORY(CrashHandler, CCrashHandlerCommand) \
   FACTORY(DeleteFile, CDeleteFileCommand) \
   FACTORY(Evaluate, CEvaluateCommand) \

@@ -27,6 +27,9 @@ class FaultyFiles final : public Faulty<ports::Files> {
   bool information(ports::Handle file, ports::FileInformation& out) override {
     return ask(Operation::files_information, false, [&] { return inner_.information(file, out); });
   }
+  ports::Status case_sensitivity(ports::Handle folder, std::uint32_t& flags) override {
+    return answer(Operation::files_case_sensitivity, [&] { return inner_.case_sensitivity(folder, flags); });
+  }
   bool identity(ports::Handle file, ports::FileIdentity& out) override {
     return ask(Operation::files_identity, false, [&] { return inner_.identity(file, out); });
   }

@@ -3,6 +3,7 @@
 #include "platform/faults/faulty_diagnostics.h"
 #include "platform/faults/faulty_engines.h"
 #include "platform/faults/faulty_files.h"
+#include "platform/faults/faulty_inspection.h"
 #include "platform/faults/faulty_registry.h"
 #include "platform/faults/faulty_world.h"
 
@@ -26,10 +27,11 @@ struct FaultySystem::Ports {
         key_maker(inner.key_maker, gate, inner.errors),
         xml(inner.xml, gate, inner.errors),
         cng(inner.cng, gate, inner.errors),
-        system{
-            inner.errors, inner.clock,       threads, waits,       files,   registry, processes, modules,   resources,
-            environment,  inner.termination, text,    log_streams, crashes, winapi,   cipher,    key_maker, xml,
-            cng,          inner.own_module} {}
+        inspection(inner.inspection, gate, inner.errors),
+        tokens(inner.tokens, gate, inner.errors),
+        signatures(inner.signatures, gate, inner.errors),
+        system(ports::with(inner, threads, waits, files, registry, processes, inspection, tokens, signatures, modules,
+                           resources, environment, text, log_streams, crashes, winapi, cipher, key_maker, xml, cng)) {}
 
   Gate gate;
   FaultyThreads threads;
@@ -48,6 +50,9 @@ struct FaultySystem::Ports {
   FaultyKeyMaker key_maker;
   FaultyXml xml;
   FaultyCng cng;
+  FaultyInspection inspection;
+  FaultyTokens tokens;
+  FaultySignatures signatures;
   ports::System system;
 };
 

@@ -96,6 +96,9 @@ class FaultyEnvironment final : public Faulty<ports::Environment> {
     return ask(Operation::environment_folder, std::wstring(), [&] { return inner_.folder(which); });
   }
   std::wstring command_line() override { return inner_.command_line(); }
+  std::uint32_t dos_device(const wchar_t* name, std::span<wchar_t> into) override {
+    return ask(Operation::environment_dos_device, std::uint32_t{0}, [&] { return inner_.dos_device(name, into); });
+  }
 };
 
 /// Conversions that fail by plan.
@@ -115,6 +118,7 @@ class FaultyCodePages final : public Faulty<ports::CodePages> {
       return inner_.to_narrow(code_page, flags, source, source_length, destination, destination_length);
     });
   }
+  std::string system_message(ports::ErrorCode code) override { return inner_.system_message(code); }
 };
 
 /// Threads that do not start by plan.

@@ -1,6 +1,7 @@
 #include "platform/faults/operations.h"
 
-#include "platform/ports/cng.h"
+#include "platform/ports/signatures.h"
+#include "platform/ports/status.h"
 
 namespace faults {
 
@@ -13,6 +14,14 @@ constexpr ports::ErrorCode result_fail = static_cast<ports::ErrorCode>(fail);
 constexpr ports::ErrorCode result_no_memory = static_cast<ports::ErrorCode>(no_memory);
 constexpr ports::ErrorCode result_class_not_registered = static_cast<ports::ErrorCode>(class_not_registered);
 
+constexpr ports::ErrorCode result_untrusted_root = static_cast<ports::ErrorCode>(ports::trust::untrusted_root);
+constexpr ports::ErrorCode result_bad_digest = static_cast<ports::ErrorCode>(ports::trust::bad_digest);
+constexpr ports::ErrorCode result_subject_not_trusted = static_cast<ports::ErrorCode>(ports::trust::subject_not_trusted);
+
+constexpr ports::ErrorCode status_access_denied = static_cast<ports::ErrorCode>(ports::status::access_denied);
+constexpr ports::ErrorCode status_entry_point_not_found =
+    static_cast<ports::ErrorCode>(ports::status::entry_point_not_found);
+constexpr ports::ErrorCode status_invalid_info_class = static_cast<ports::ErrorCode>(ports::status::invalid_info_class);
 constexpr ports::ErrorCode status_unsuccessful = static_cast<ports::ErrorCode>(ports::status::unsuccessful);
 constexpr ports::ErrorCode status_invalid_handle = static_cast<ports::ErrorCode>(ports::status::invalid_handle);
 constexpr ports::ErrorCode status_invalid_parameter = static_cast<ports::ErrorCode>(ports::status::invalid_parameter);

@@ -18,6 +18,8 @@
   OPERATION(files_flush, "files.flush", write_fault, access_denied, invalid_handle) \
   OPERATION(files_information, "files.information", invalid_handle, access_denied) \
   OPERATION(files_identity, "files.identity", invalid_parameter, invalid_handle) \
+  OPERATION(files_case_sensitivity, "files.case_sensitivity", status_invalid_info_class, status_invalid_parameter, \
+            status_invalid_handle) \
   OPERATION(files_mark_deleted, "files.mark_deleted", access_denied, directory_not_empty, invalid_handle) \
   OPERATION(files_set_attributes_of, "files.set_attributes_of", access_denied, invalid_handle) \
   OPERATION(files_attributes, "files.attributes", access_denied, file_not_found, path_not_found, invalid_name) \
@@ -56,6 +58,26 @@
   OPERATION(processes_initialize_com, "processes.initialize_com", result_fail, result_no_memory) \
   OPERATION(processes_find_desktop, "processes.find_desktop", result_fail, result_class_not_registered) \
   OPERATION(processes_execute_on_desktop, "processes.execute_on_desktop", result_fail, result_no_memory) \
+  OPERATION(inspection_snapshot, "inspection.snapshot", access_denied, not_enough_memory) \
+  OPERATION(inspection_first, "inspection.first", no_more_files, invalid_handle) \
+  OPERATION(inspection_next, "inspection.next", no_more_files, invalid_handle) \
+  OPERATION(inspection_open, "inspection.open", access_denied, invalid_parameter) \
+  OPERATION(inspection_is_wow64, "inspection.is_wow64", invalid_handle, access_denied) \
+  OPERATION(inspection_image_path, "inspection.image_path", access_denied, invalid_handle) \
+  OPERATION(inspection_image_device_path, "inspection.image_device_path", access_denied, insufficient_buffer, \
+            invalid_handle) \
+  OPERATION(inspection_basic_information, "inspection.basic_information", status_access_denied, \
+            status_entry_point_not_found, status_invalid_handle) \
+  OPERATION(inspection_read_memory, "inspection.read_memory", partial_copy, access_denied, invalid_handle) \
+  OPERATION(tokens_open_own, "tokens.open_own", access_denied) \
+  OPERATION(tokens_privilege_value, "tokens.privilege_value", no_such_privilege) \
+  OPERATION(tokens_adjust, "tokens.adjust", access_denied, invalid_handle) \
+  OPERATION(signatures_verify, "signatures.verify", result_untrusted_root, result_bad_digest, \
+            result_subject_not_trusted) \
+  OPERATION(signatures_query, "signatures.query", no_match_when_query, file_not_found) \
+  OPERATION(signatures_signer_info, "signatures.signer_info", more_data, not_enough_memory) \
+  OPERATION(signatures_find_certificate, "signatures.find_certificate", certificate_not_found, not_enough_memory) \
+  OPERATION(signatures_serial_number, "signatures.serial_number", invalid_data) \
   OPERATION(modules_procedure, "modules.procedure", procedure_not_found) \
   OPERATION(modules_load, "modules.load", module_not_found, bad_exe_format, dll_init_failed) \
   OPERATION(modules_free, "modules.free", invalid_handle) \
@@ -65,6 +87,7 @@
   OPERATION(resources_size, "resources.size", resource_data_not_found) \
   OPERATION(resources_lock, "resources.lock", resource_data_not_found) \
   OPERATION(environment_folder, "environment.folder", path_not_found, not_enough_memory) \
+  OPERATION(environment_dos_device, "environment.dos_device", file_not_found, insufficient_buffer) \
   OPERATION(text_to_wide, "text.to_wide", insufficient_buffer, invalid_parameter) \
   OPERATION(text_to_narrow, "text.to_narrow", insufficient_buffer, invalid_parameter) \
   OPERATION(threads_start, "threads.start", not_enough_memory) \

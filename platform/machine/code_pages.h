@@ -19,6 +19,8 @@ class CodePages final : public ports::CodePages {
   [[nodiscard]] std::int32_t to_narrow(std::uint32_t code_page, std::uint32_t flags, const wchar_t* source,
                                        std::int32_t source_length, char* destination,
                                        std::int32_t destination_length) override;
+  /// Those of an English Windows, as far as the machine answers with their codes.
+  [[nodiscard]] std::string system_message(ports::ErrorCode code) override;
 
  private:
   ports::Errors& errors_;

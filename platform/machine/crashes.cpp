@@ -13,7 +13,7 @@ namespace machine {
 namespace {
 
 [[nodiscard]] bool is_fault(ports::StopKind kind) {
-  return kind != ports::StopKind::step_limit && kind != ports::StopKind::deadlock;
+  return kind != ports::StopKind::step_limit && kind != ports::StopKind::deadlock && kind != ports::StopKind::own_end;
 }
 
 void put(std::vector<std::uint8_t>& to, std::uint64_t number, std::size_t size) {

@@ -16,7 +16,7 @@ struct Section {
 };
 
 // In the order of reading: files stand on drives.
-constexpr std::array<Section, 8> sections = {{
+constexpr std::array<Section, 9> sections = {{
     {"clock", read_clock, write_clock},
     {"counters", read_counters, write_counters},
     {"environment", read_environment, write_environment},
@@ -24,6 +24,7 @@ constexpr std::array<Section, 8> sections = {{
     {"files", read_files, write_files},
     {"registry", read_registry, write_registry},
     {"programs", read_programs, write_programs},
+    {"processes", read_processes, write_processes},
     {"pending_moves", read_pending_moves, write_pending_moves},
 }};
 

@@ -3,7 +3,7 @@
 
 #include "platform/machine/document_sections.h"
 
-// Clock, counters, environment, drives and booked moves.
+// Clock, counters, environment and booked moves.
 namespace machine {
 
 namespace {
@@ -79,9 +79,10 @@ struct FlagMember {
   const char* name;
   bool EnvironmentFacts::*fact;
 };
-constexpr std::array<FlagMember, 3> flag_members = {{{"elevated", &EnvironmentFacts::elevated},
+constexpr std::array<FlagMember, 4> flag_members = {{{"elevated", &EnvironmentFacts::elevated},
                                                      {"desktop", &EnvironmentFacts::desktop},
-                                                     {"may_link", &EnvironmentFacts::may_link}}};
+                                                     {"may_link", &EnvironmentFacts::may_link},
+                                                     {"wow64", &EnvironmentFacts::wow64}}};
 
 }  // namespace
 
@@ -131,9 +132,29 @@ picojson::value write_counters(const State& state) {
   return picojson::value(out);
 }
 
+namespace {
+
+[[nodiscard]] Privileges read_privileges(const JsonNode& node) {
+  Privileges privileges;
+  for (std::size_t i = 0; i < node.size(); ++i) {
+    const auto value = privilege_named(node.at(i).text());
+    if (!value) node.at(i).fail("a privilege is wanted here, as \"SeDebugPrivilege\"");
+    privileges.insert(*value);
+  }
+  return privileges;
+}
+
+[[nodiscard]] picojson::value write_privileges(const Privileges& privileges) {
+  picojson::array out;
+  for (const ports::PrivilegeValue value : privileges) out.push_back(json_text(privilege_name(value)));
+  return picojson::value(out);
+}
+
+}  // namespace
+
 void read_environment(const JsonNode& node, State& state) {
   node.only({"system", "windows", "program_files", "common_app_data", "temp", "program", "current_folder",
-             "command_line", "user", "elevated", "desktop", "may_link"});
+             "command_line", "user", "elevated", "desktop", "may_link", "privileges", "wow64", "parent"});
   EnvironmentFacts& facts = state.environment;
   for (const PathMember& member : path_members) {
     if (const auto path = node.find(member.name)) facts.*member.fact = read_path_text(*path);
@@ -141,6 +162,8 @@ void read_environment(const JsonNode& node, State& state) {
   for (const FlagMember& member : flag_members) facts.*member.fact = node.flag(member.name, facts.*member.fact);
   if (node.has("program")) facts.command_line = L"\"" + facts.program + L"\"";
   facts.command_line = node.text_or("command_line", facts.command_line);
+  if (const auto privileges = node.find("privileges")) facts.privileges = read_privileges(*privileges);
+  if (const auto parent = node.find("parent")) facts.parent = read_process(*parent, ProcessPlace::parent);
   facts.user = node.text_or("user", facts.user);
   if (facts.user.empty() || facts.user.find(L'\\') != std::wstring::npos) {
     node.member("user").fail("the name of a key right below HKEY_USERS is wanted here");
@@ -154,38 +177,8 @@ picojson::value write_environment(const State& state) {
   for (const FlagMember& member : flag_members) out[member.name] = picojson::value(facts.*member.fact);
   out["command_line"] = json_text(facts.command_line);
   out["user"] = json_text(facts.user);
-  return picojson::value(out);
-}
-
-void read_drives(const JsonNode& node, State& state) {
-  const std::uint32_t next_temporary = state.files.next_temporary;
-  state.files = {};
-  state.files.next_temporary = next_temporary;
-  std::uint32_t serial = default_serial;
-  for (const auto& [name, value] : node.object()) {
-    const JsonNode drive = node.child(name, value);
-    drive.only({"serial", "free", "identities"});
-    if (name.size() != 2 || name[0] < 'A' || name[0] > 'Z' || name[1] != ':') drive.fail("a drive is named as \"C:\"");
-    const auto given = drive.find("serial");
-    Volume& volume =
-        add_volume(state.files, std::wstring(name.begin(), name.end()), given ? given->number32() : serial);
-    ++serial;
-    volume.identities = drive.flag("identities", true);
-    if (const auto room = drive.find("free")) {
-      volume.free = static_cast<std::uint64_t>(room->integer(0, std::int64_t{1} << 53));
-    }
-  }
-}
-
-picojson::value write_drives(const State& state) {
-  picojson::object out;
-  for (const auto& [name, volume] : state.files.volumes) {
-    picojson::object drive;
-    drive["serial"] = json_number(volume.serial);
-    if (volume.free) drive["free"] = json_number(*volume.free);
-    if (!volume.identities) drive["identities"] = picojson::value(false);
-    out[std::string(name.begin(), name.end())] = picojson::value(drive);
-  }
+  if (facts.parent) out["parent"] = write_process(*facts.parent);
+  if (facts.privileges) out["privileges"] = write_privileges(*facts.privileges);
   return picojson::value(out);
 }
 

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <set>
 #include <utility>
 
@@ -82,6 +83,10 @@ void check(const JsonNode& row, const FileNode& node) {
   if (row.has("text") && row.has("base64")) row.fail("\"text\" and \"base64\" exclude each other");
   if (content && node.folder) row.fail("a folder has no content");
   if (content && node.link != LinkKind::none) row.fail("a link has no content");
+  if (row.has("signature") && (node.folder || node.link != LinkKind::none)) row.fail("only a file is signed");
+  if (case_sensitive(node) && (!node.folder || node.link != LinkKind::none)) {
+    row.fail("only a folder is \"case_sensitive\"");
+  }
   if (node.mapped && node.folder) row.fail("a folder does not run");
   if (node.size < node.bytes.size()) row.fail("\"size\" is less than the content");
   if (node.going && node.holds.empty()) row.fail("what is \"deleting\" is held \"open\" by somebody");
@@ -89,7 +94,7 @@ void check(const JsonNode& row, const FileNode& node) {
 
 [[nodiscard]] FileNode read_node(const JsonNode& row) {
   row.only({"path", "folder", "attributes", "text", "base64", "size", "link", "running", "open", "deleting",
-            "protected", "same_as"});
+            "protected", "short_name", "case_sensitive", "signature"});
   FileNode node;
   node.folder = row.flag("folder");
   if (const auto link = row.find("link")) read_link(*link, node);
@@ -102,6 +107,8 @@ void check(const JsonNode& row, const FileNode& node) {
   node.protect = row.flag("protected");
   if (const auto holds = row.find("open")) read_holds(*holds, node);
   node.going = row.flag("deleting");
+  set_case_sensitive(node, row.flag("case_sensitive"));
+  if (const auto signature = row.find("signature")) node.signature = read_signature(*signature);
   check(row, node);
   return node;
 }
@@ -110,7 +117,8 @@ void check(const JsonNode& row, const FileNode& node) {
   const JsonNode where = row.member("path");
   Path path = read_path(where);
   if (path.parts.empty()) where.fail("a drive is none of the files");
-  if (tree.volumes.count(path.drive) == 0) where.fail("there is no such drive");
+  if (tree.substitutes.contains(path.drive)) where.fail("the files of a substitute lie on another drive");
+  if (!tree.volumes.contains(path.drive)) where.fail("there is no such drive");
   std::wstring name = std::move(path.parts.back());
   path.parts.pop_back();
   const NodeId folder = make_folders(tree, path);
@@ -131,17 +139,18 @@ void place_node(const JsonNode& row, FileTree& tree, std::set<NodeId>& told) {
     const bool implied = told.count(id) == 0 && there.folder;
     if (!implied) row.member("path").fail("this path stands there twice");
     if (!node.folder || node.link != LinkKind::none) row.member("path").fail("other files lie below this path");
-    node.children = std::move(there.children);
+    node.children.insert(there.children.begin(), there.children.end());
     node.places = {place};
-    tree.nodes.at(place.folder).children.erase(place.name);
-    tree.nodes.at(place.folder).children.emplace(place.name, id);
+    Children& beside = tree.nodes.at(place.folder).children;
+    beside.erase(place.name);
+    beside.emplace(place.name, id);
     there = std::move(node);
   }
   told.insert(id);
 }
 
 void place_name(const JsonNode& row, FileTree& tree) {
-  row.only({"path", "same_as"});
+  row.only({"path", "same_as", "short_name"});
   const JsonNode same = row.member("same_as");
   const Found found = look_up(tree, read_path(same), LastLink::itself);
   if (found.node == 0) same.fail("there is no such file");
@@ -150,6 +159,39 @@ void place_name(const JsonNode& row, FileTree& tree) {
   if (child(tree, place.folder, place.name) != 0) row.member("path").fail("this path stands there twice");
   if (&volume_of(tree, place.folder) != &volume_of(tree, found.node)) same.fail("it lies on another drive");
   add_name(tree, found.node, place);
+}
+
+// Up to eight units, and behind a dot up to three.
+[[nodiscard]] bool is_short(std::wstring_view name) {
+  const std::size_t dot = std::min(name.find(L'.'), name.size());
+  const std::wstring_view end = name.substr(std::min(dot + 1, name.size()));
+  return dot >= 1 && dot <= 8 && end.size() <= 3 && (dot == name.size() || !end.empty()) &&
+         name.find_first_of(L" \"*+,/:;<=>?[\\]|") == std::wstring_view::npos && end.find(L'.') == end.npos;
+}
+
+void place_short_name(const JsonNode& row, FileTree& tree) {
+  const JsonNode member = row.member("short_name");
+  std::wstring name = member.text();
+  if (!is_short(name)) member.fail("a short name is wanted here, as \"PROGRA~1\" or \"README~1.TXT\"");
+  FilePlace place = read_place(row, tree);
+  FileNode& folder = tree.nodes.at(place.folder);
+  if (find_child(folder, name) != folder.children.end()) member.fail("this name is taken in the folder");
+  folder.short_names.emplace(std::move(name), std::move(place.name));
+}
+
+// Which names are the same is to be known of a folder before anything is put into it.
+[[nodiscard]] std::vector<std::size_t> case_sensitive_first(const JsonNode& files) {
+  std::vector<std::pair<std::size_t, std::size_t>> order;  // by depth
+  for (std::size_t i = 0; i < files.size(); ++i) {
+    const JsonNode row = files.at(i);
+    if (row.has("same_as")) continue;
+    const bool first = row.flag("case_sensitive");
+    order.emplace_back(first ? read_path(row.member("path")).parts.size() : std::numeric_limits<std::size_t>::max(), i);
+  }
+  std::stable_sort(order.begin(), order.end());
+  std::vector<std::size_t> rows;
+  for (const auto& entry : order) rows.push_back(entry.second);
+  return rows;
 }
 
 }  // namespace
@@ -193,11 +235,12 @@ void write_content(const std::vector<std::uint8_t>& bytes, picojson::object& row
 
 void read_files(const JsonNode& node, State& state) {
   std::set<NodeId> told;
-  for (std::size_t i = 0; i < node.size(); ++i) {
-    if (!node.at(i).has("same_as")) place_node(node.at(i), state.files, told);
-  }
+  for (const std::size_t i : case_sensitive_first(node)) place_node(node.at(i), state.files, told);
   for (std::size_t i = 0; i < node.size(); ++i) {
     if (node.at(i).has("same_as")) place_name(node.at(i), state.files);
+  }
+  for (std::size_t i = 0; i < node.size(); ++i) {
+    if (node.at(i).has("short_name")) place_short_name(node.at(i), state.files);
   }
 }
 
@@ -215,6 +258,8 @@ namespace {
     if (!node.bytes.empty()) write_content(node.bytes.all(), row);
     if (node.size != node.bytes.size() || node.size == 0) row["size"] = json_number(node.size);
   }
+  if (case_sensitive(node)) row["case_sensitive"] = picojson::value(true);
+  if (node.signature) row["signature"] = write_signature(*node.signature);
   if (node.mapped) row["running"] = picojson::value(true);
   if (node.protect) row["protected"] = picojson::value(true);
   picojson::array holds;
@@ -233,15 +278,18 @@ namespace {
 
 // A folder needs no row of its own when something in it has one and nothing else is to be said.
 void write_below(const FileTree& tree, NodeId folder, const std::wstring& path, picojson::array& out) {
-  for (const auto& [name, id] : tree.nodes.at(folder).children) {
+  const FileNode& above = tree.nodes.at(folder);
+  for (const auto& [name, id] : above.children) {
     const FileNode& node = tree.nodes.at(id);
     const std::wstring own = path + L"\\" + name;
-    const FilePlace& first = node.places.front();
     picojson::object row;
-    if (first.folder == folder && same_name(first.name, name)) {
+    if (node.places.front() == FilePlace{folder, name}) {
       row = write_node(node);
     } else {
       row["same_as"] = json_text(path_of(tree, id));
+    }
+    for (const auto& [short_name, in_full] : above.short_names) {
+      if (in_full == name) row["short_name"] = json_text(short_name);
     }
     const bool implied = node.folder && !node.children.empty() && row.size() == 1;
     if (!implied) {

@@ -20,6 +20,7 @@ void read_drives(const JsonNode& node, State& state);
 void read_environment(const JsonNode& node, State& state);
 void read_files(const JsonNode& node, State& state);
 void read_pending_moves(const JsonNode& node, State& state);
+void read_processes(const JsonNode& node, State& state);
 void read_programs(const JsonNode& node, State& state);
 void read_registry(const JsonNode& node, State& state);
 
@@ -29,6 +30,7 @@ void read_registry(const JsonNode& node, State& state);
 [[nodiscard]] picojson::value write_environment(const State& state);
 [[nodiscard]] picojson::value write_files(const State& state);
 [[nodiscard]] picojson::value write_pending_moves(const State& state);
+[[nodiscard]] picojson::value write_processes(const State& state);
 [[nodiscard]] picojson::value write_programs(const State& state);
 [[nodiscard]] picojson::value write_registry(const State& state);
 
@@ -48,8 +50,19 @@ inline constexpr std::uint32_t default_serial = 0x4B590001;
 /// Writes it as "text" where that gives it back, else as "base64".
 void write_content(const std::vector<std::uint8_t>& bytes, picojson::object& row);
 
+[[nodiscard]] Signature read_signature(const JsonNode& node);
+[[nodiscard]] picojson::value write_signature(const Signature& signature);
+
 [[nodiscard]] ports::RegistryValue read_value(const JsonNode& node);
 [[nodiscard]] picojson::value write_value(const ports::RegistryValue& value);
+
+/// Where a process is told: only in the list is its id free to choose.
+enum class ProcessPlace : std::uint8_t { list, parent, successor };
+[[nodiscard]] RunningProgram read_process(const JsonNode& row, ProcessPlace place);
+[[nodiscard]] picojson::value write_process(const RunningProgram& program);
+/// The members of a process or a program that tell its temper.
+void read_temper(const JsonNode& row, Temper& temper);
+void write_temper(const Temper& temper, picojson::object& row);
 
 /// A key's path, which starts with the name of a root.
 [[nodiscard]] std::wstring read_key_path(const JsonNode& node);

@@ -1,6 +1,10 @@
 #pragma once
 
+#include <optional>
 #include <string>
+
+#include "platform/machine/privileges.h"
+#include "platform/machine/running.h"
 
 namespace machine {
 
@@ -16,8 +20,11 @@ struct EnvironmentFacts {
   std::wstring command_line = L"\"C:\\Setup\\setup.exe\"";
   std::wstring user = L".DEFAULT";  // the key of HKEY_USERS that HKEY_CURRENT_USER is
   bool elevated = true;
-  bool desktop = true;   // a shell runs
-  bool may_link = true;  // the privilege to make symbolic links
+  bool desktop = true;                   // a shell runs
+  bool may_link = true;                  // symbolic links may be made
+  bool wow64 = false;                    // the process is a 32-bit one
+  std::optional<RunningProgram> parent;  // the process that started this one, where it still runs
+  std::optional<Privileges> privileges;  // of the process's token; none for those of its kind of user
   friend bool operator==(const EnvironmentFacts&, const EnvironmentFacts&) = default;
 };
 

@@ -2,6 +2,8 @@
 
 #include <atomic>
 
+#include "platform/ports/status_codes.h"
+
 namespace machine {
 
 namespace {
@@ -19,6 +21,10 @@ ports::ErrorCode Errors::last() {
 void Errors::set_last(ports::ErrorCode code) {
   slot_owner = serial_;
   slot_code = code;
+}
+
+ports::ErrorCode Errors::of_status(ports::Status status) {
+  return ports::code_of_status(status);
 }
 
 }  // namespace machine

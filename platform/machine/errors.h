@@ -13,6 +13,7 @@ class Errors final : public ports::Errors {
   Errors();
   [[nodiscard]] ports::ErrorCode last() override;
   void set_last(ports::ErrorCode code) override;
+  [[nodiscard]] ports::ErrorCode of_status(ports::Status status) override;
 
  private:
   std::uint64_t serial_;  // an address may come again, a number does not

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <utility>
 
+#include "platform/machine/drives.h"
 #include "platform/ports/codes.h"
 
 namespace machine {
@@ -52,10 +53,10 @@ constexpr int most_links = 63;
       if (links == 0) return failure(code::cannot_resolve_filename);
       const ParsedPath target = beyond(tree, folder, node, path, i);
       if (target.error != code::success) return failure(target.error);
-      return walk(tree, target.path, last, links - 1);
+      return walk(tree, without_substitute(tree, target.path), last, links - 1);
     }
     if (at_end) {
-      const auto entry = tree.nodes.at(folder).children.find(path.parts[i]);
+      const auto entry = find_child(tree.nodes.at(folder), path.parts[i]);
       return arrived(node, id, {folder, entry->first}, path.folder_wanted);
     }
     if (!node.folder) return failure(code::path_not_found);
@@ -66,10 +67,11 @@ constexpr int most_links = 63;
 }  // namespace
 
 Found look_up(const FileTree& tree, const Path& path, LastLink last) {
-  return walk(tree, path, last, most_links);
+  return walk(tree, without_substitute(tree, path), last, most_links);
 }
 
-NodeId make_folders(FileTree& tree, const Path& path) {
+NodeId make_folders(FileTree& tree, const Path& where) {
+  const Path path = without_substitute(tree, where);
   const auto volume = tree.volumes.find(path.drive);
   if (volume == tree.volumes.end()) return 0;
   NodeId folder = volume->second.root;

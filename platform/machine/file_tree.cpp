@@ -46,14 +46,32 @@ bool resize(FileTree& tree, NodeId id, std::uint64_t size) {
     volume.free = *volume.free + node.size - size;
   }
   node.size = size;
+  if (size == 0) node.signature.reset();
   if (node.bytes.size() > size) node.bytes.resize(static_cast<std::size_t>(size));
   return true;
 }
 
+void spoil_signature(FileNode& node) {
+  if (node.signature) node.signature->trust = ports::trust::bad_digest;
+}
+
+void set_case_sensitive(FileNode& folder, bool on) {
+  Children children(ChildOrder{on});
+  children.insert(folder.children.begin(), folder.children.end());
+  folder.children = std::move(children);
+}
+
+Children::const_iterator find_child(const FileNode& folder, std::wstring_view name) {
+  const auto found = folder.children.find(name);
+  if (found != folder.children.end()) return found;
+  const auto in_full = folder.short_names.find(name);
+  return in_full == folder.short_names.end() ? folder.children.end() : folder.children.find(in_full->second);
+}
+
 NodeId child(const FileTree& tree, NodeId folder, std::wstring_view name) {
-  const auto& children = tree.nodes.at(folder).children;
-  const auto found = children.find(name);
-  return found == children.end() ? 0 : found->second;
+  const FileNode& node = tree.nodes.at(folder);
+  const auto found = find_child(node, name);
+  return found == node.children.end() ? 0 : found->second;
 }
 
 NodeId add_node(FileTree& tree, NodeId folder, std::wstring_view name, FileNode node) {
@@ -73,10 +91,15 @@ void add_name(FileTree& tree, NodeId node, const FilePlace& place) {
 
 namespace {
 
-[[nodiscard]] auto place_in(FileNode& node, const FilePlace& place) {
-  return std::find_if(node.places.begin(), node.places.end(), [&place](const FilePlace& one) {
-    return one.folder == place.folder && same_name(one.name, place.name);
-  });
+// Takes the name out of its folder, and gives the place in the node that stood there.
+[[nodiscard]] std::vector<FilePlace>::iterator cut_name(FileTree& tree, const FilePlace& place) {
+  FileNode& folder = tree.nodes.at(place.folder);
+  const auto entry = find_child(folder, place.name);
+  std::vector<FilePlace>& places = tree.nodes.at(entry->second).places;
+  const FilePlace known{place.folder, entry->first};
+  std::erase_if(folder.short_names, [&known](const auto& one) { return one.second == known.name; });
+  folder.children.erase(entry);
+  return std::find(places.begin(), places.end(), known);
 }
 
 }  // namespace
@@ -85,8 +108,7 @@ void remove_name(FileTree& tree, const FilePlace& place) {
   const NodeId id = child(tree, place.folder, place.name);
   if (id == 0) return;
   FileNode& node = tree.nodes.at(id);
-  tree.nodes.at(place.folder).children.erase(place.name);
-  node.places.erase(place_in(node, place));
+  node.places.erase(cut_name(tree, place));
   if (!node.places.empty()) return;
   Volume& volume = volume_of(tree, place.folder);
   if (volume.free) *volume.free += node.size;
@@ -95,9 +117,8 @@ void remove_name(FileTree& tree, const FilePlace& place) {
 
 void rename(FileTree& tree, const FilePlace& from, const FilePlace& to) {
   const NodeId id = child(tree, from.folder, from.name);
-  tree.nodes.at(from.folder).children.erase(from.name);
+  *cut_name(tree, from) = to;
   tree.nodes.at(to.folder).children.emplace(to.name, id);
-  *place_in(tree.nodes.at(id), from) = to;
 }
 
 std::wstring path_of(const FileTree& tree, NodeId node) {

@@ -108,6 +108,7 @@ bool Files::write(Handle handle, std::span<const std::uint8_t> bytes, std::uint3
   const std::uint64_t end = begin + bytes.size();
   if (end > node.size && !resize(tree, file->node, end)) return fail(code::disk_full);
   node.bytes.write(static_cast<std::size_t>(begin), bytes);
+  if (!bytes.empty()) spoil_signature(node);
   file->position = end;
   written = static_cast<std::uint32_t>(bytes.size());
   return true;
@@ -126,7 +127,8 @@ bool Files::information(Handle handle, ports::FileInformation& out) {
   const ports::Lock lock(world_.mutex);
   const FileNode& node = world_.state.files.nodes.at(file->node);
   const std::size_t names = std::max<std::size_t>(node.places.size(), 1) - (node.going ? 1 : 0);
-  out = {reported_attributes(node), node.size, static_cast<std::uint32_t>(names)};
+  out = {reported_attributes(node), node.size, static_cast<std::uint32_t>(names),
+         volume_of(world_.state.files, file->node).serial, file->node};
   return true;
 }
 
@@ -140,6 +142,17 @@ bool Files::identity(Handle handle, ports::FileIdentity& out) {
   out.volume = volume.serial;
   for (std::size_t i = 0; i < sizeof(NodeId); ++i) out.id[i] = static_cast<std::uint8_t>(file->node >> (8 * i));
   return true;
+}
+
+ports::Status Files::case_sensitivity(Handle handle, std::uint32_t& flags) {
+  const auto folder = handles_.find_as<OpenFile>(handle);
+  if (folder == nullptr) return ports::status::invalid_handle;
+  const ports::Lock lock(world_.mutex);
+  if (!volume_of(world_.state.files, folder->node).case_query) return ports::status::invalid_info_class;
+  const FileNode& node = world_.state.files.nodes.at(folder->node);
+  if (!node.folder) return ports::status::invalid_parameter;
+  flags = case_sensitive(node) ? 1 : 0;
+  return ports::status::success;
 }
 
 bool Files::mark_deleted(Handle handle) {

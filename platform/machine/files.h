@@ -28,6 +28,7 @@ class Files final : public ports::Files {
   bool write(ports::Handle file, std::span<const std::uint8_t> bytes, std::uint32_t& written) override;
   bool flush(ports::Handle file) override;
   bool information(ports::Handle file, ports::FileInformation& out) override;
+  [[nodiscard]] ports::Status case_sensitivity(ports::Handle folder, std::uint32_t& flags) override;
   bool identity(ports::Handle file, ports::FileIdentity& out) override;
   bool mark_deleted(ports::Handle file) override;
   bool set_attributes_of(ports::Handle file, std::uint32_t attributes) override;

@@ -76,6 +76,7 @@ bool Files::create_folder(const wchar_t* path) {
   if (tree.nodes.at(place.place.folder).protect) return fail(code::access_denied);
   FileNode made;
   made.folder = true;
+  set_case_sensitive(made, case_sensitive(tree.nodes.at(place.place.folder)));
   add_node(tree, place.place.folder, place.place.name, std::move(made));
   return true;
 }
@@ -104,7 +105,7 @@ ErrorCode Files::move_now(const Path& from, const Path& to, std::uint32_t flags)
   const Found source = look_up(tree, from, LastLink::itself);
   Found target = look_up(tree, to, LastLink::itself);
   // The name as the caller writes it, since a move may change nothing but its case.
-  if (target.place.folder != 0) target.place.name = to.parts.back();
+  if (target.place.folder != 0 && !to.parts.empty()) target.place.name = to.parts.back();
   const MoveDecision decision = decide_move(tree, source, target, flags);
   if (decision.error != code::success) return decision.error;
   if (decision.replaces) remove_name(tree, target.place);

@@ -32,6 +32,14 @@ struct Search final : Object {
   return search_expression(std::wstring(last) + (dotless ? L"." : L""));
 }
 
+// A child is found by its short name too.
+[[nodiscard]] bool found_by(const FileNode& folder, const std::wstring& name, const std::wstring& expression) {
+  const Case rule = case_sensitive(folder) ? Case::exact : Case::folded;
+  return matches(expression, name, rule) ||
+         std::any_of(folder.short_names.begin(), folder.short_names.end(),
+                     [&](const auto& entry) { return entry.second == name && matches(expression, entry.first); });
+}
+
 [[nodiscard]] std::deque<ports::FolderRow> rows_of(const FileTree& tree, NodeId folder,
                                                    const std::wstring& expression) {
   std::deque<ports::FolderRow> rows;
@@ -43,7 +51,7 @@ struct Search final : Object {
   }
   for (const auto& [name, id] : node.children) {
     const FileNode& one = tree.nodes.at(id);
-    if (matches(expression, name)) rows.push_back({name, reported_attributes(one), one.size});
+    if (found_by(node, name, expression)) rows.push_back({name, reported_attributes(one), one.size});
   }
   return rows;
 }

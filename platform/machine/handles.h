@@ -12,13 +12,25 @@
 
 namespace machine {
 
-enum class ObjectKind { event, thread, process, file, search, other };
+enum class ObjectKind {
+  event,
+  thread,
+  process,
+  file,
+  search,
+  process_list,
+  token,
+  certificate_store,
+  signed_message,
+  certificate,
+  other,
+};
 
 /// What a handle stands for. Derive from it to hold more; the object goes with its last handle (and last user).
 class Object {
  public:
-  explicit Object(ObjectKind kind, std::shared_ptr<Waitable> waitable = nullptr)
-      : kind_(kind), waitable_(std::move(waitable)) {}
+  explicit Object(ObjectKind kind, std::shared_ptr<Waitable> waitable = nullptr, bool may_wait = true)
+      : kind_(kind), waitable_(std::move(waitable)), may_wait_(may_wait) {}
   virtual ~Object() = default;
   Object(const Object&) = delete;
   Object& operator=(const Object&) = delete;
@@ -26,10 +38,13 @@ class Object {
   [[nodiscard]] ObjectKind kind() const { return kind_; }
   /// Null for what cannot be waited for.
   [[nodiscard]] const std::shared_ptr<Waitable>& waitable() const { return waitable_; }
+  /// Whether the handle gives the right to wait.
+  [[nodiscard]] bool may_wait() const { return may_wait_; }
 
  private:
   ObjectKind kind_;
   std::shared_ptr<Waitable> waitable_;
+  bool may_wait_;
 };
 
 /// The process's handles. Values are multiples of 4 and, unlike the real system's, never used twice, so that the use of

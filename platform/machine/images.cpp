@@ -77,7 +77,7 @@ Image find_image(const State& state, std::wstring_view command_line) {
 }
 
 bool is_program(const State& state, const Image& image) {
-  if (find_program(state.programs, image.path) != nullptr) return true;
+  if (is_told(state.programs, image.path)) return true;
   const FileNode& node = state.files.nodes.at(image.node);
   if (!node.bytes.empty()) return node.bytes.size() >= 2 && node.bytes[0] == 'M' && node.bytes[1] == 'Z';
   if (node.size == 0) return false;

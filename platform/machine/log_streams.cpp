@@ -56,6 +56,7 @@ struct OpenMode {
   const std::uint64_t begin = node.size;
   if (!resize(tree, id, begin + bytes.size())) return false;
   node.bytes.write(static_cast<std::size_t>(begin), bytes);
+  spoil_signature(node);
   return true;
 }
 

@@ -5,6 +5,7 @@
 #include "platform/machine/document.h"
 #include "platform/machine/document_sections.h"
 #include "platform/machine/file_lookup.h"
+#include "platform/machine/process_table.h"
 #include "platform/ports/build.h"
 
 namespace machine {
@@ -49,16 +50,20 @@ Machine::Machine(State state, Options options)
       log_streams_(world_, files_, handles_, copies_),
       crashes_(files_),
       registry_(world_),
-      processes_(world_, handles_, scheduler_, ids_, errors_),
+      processes_(world_, handles_, scheduler_, ids_, errors_, termination_),
+      inspection_(world_, handles_, errors_, processes_),
+      tokens_(world_, handles_, errors_),
+      signatures_(world_, handles_, errors_),
       modules_(world_, errors_),
       resources_(errors_),
-      environment_(world_),
+      environment_(world_, errors_),
       text_(errors_),
       winapi_(waits_, clock_, text_) {
   {
     const ports::Lock lock(world_.mutex);
     world_.state = std::move(state);
   }
+  processes_.table()->populate();
   termination_.show_faults_to(crashes_);
   entered_.emplace(scheduler_, ids_.take());
 }
@@ -74,26 +79,10 @@ std::string Machine::to_json() {
 }
 
 ports::System Machine::system(ports::Engines& engines) {
-  return {errors_,
-          clock_,
-          threads_,
-          waits_,
-          files_,
-          registry_,
-          processes_,
-          modules_,
-          resources_,
-          environment_,
-          termination_,
-          text_,
-          log_streams_,
-          crashes_,
-          winapi_,
-          engines.cipher(),
-          engines.key_maker(),
-          engines.xml(),
-          engines.cng(),
-          Modules::library};
+  return {errors_,       clock_,          threads_,    waits_,   files_,           registry_,           processes_,
+          inspection_,   tokens_,         signatures_, modules_, resources_,       environment_,        termination_,
+          text_,         log_streams_,    crashes_,    winapi_,  engines.cipher(), engines.key_maker(), engines.xml(),
+          engines.cng(), Modules::library};
 }
 
 void Machine::add_resource(std::wstring_view type, std::uint16_t id, std::vector<std::uint8_t> bytes) {
@@ -106,9 +95,11 @@ void Machine::add_procedure(ports::Module module, std::string name, ports::Proce
 
 State Machine::state() {
   const ClockStart clock = clock_.state();
+  RunningPrograms processes = processes_.table()->survivors();
   const ports::Lock lock(world_.mutex);
   State copy = world_.state;
   copy.clock = clock;
+  copy.processes = std::move(processes);
   copy.next_id = ids_.next();
   return copy;
 }

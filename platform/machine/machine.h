@@ -18,6 +18,7 @@
 #include "platform/machine/files.h"
 #include "platform/machine/handles.h"
 #include "platform/machine/ids.h"
+#include "platform/machine/inspection.h"
 #include "platform/machine/log_streams.h"
 #include "platform/machine/modules.h"
 #include "platform/machine/named_objects.h"
@@ -25,9 +26,11 @@
 #include "platform/machine/registry.h"
 #include "platform/machine/resources.h"
 #include "platform/machine/scheduler/scheduler.h"
+#include "platform/machine/signatures.h"
 #include "platform/machine/state.h"
 #include "platform/machine/termination.h"
 #include "platform/machine/threads.h"
+#include "platform/machine/tokens.h"
 #include "platform/machine/waits.h"
 #include "platform/machine/winapi.h"
 #include "platform/ports/system.h"
@@ -68,8 +71,8 @@ class Machine {
   /// The machine that a document describes. `file_name` is for messages alone. Throws `DocumentError`.
   [[nodiscard]] static std::unique_ptr<Machine> from_json(std::string_view text, const std::string& file_name,
                                                           Options options = {});
-  /// The document of this machine as it stands; its clock goes on from here. What belongs to this process, like open
-  /// handles and programs that run, is left out.
+  /// The document of this machine as it stands; its clock goes on from here. Other processes go on running; what belongs
+  /// to this one, like its open handles, is left out.
   [[nodiscard]] std::string to_json();
 
   /// The ports, with the engines of the build. They live as long as the machine and the engines.
@@ -92,6 +95,9 @@ class Machine {
   [[nodiscard]] Files& files() { return files_; }
   [[nodiscard]] Registry& registry() { return registry_; }
   [[nodiscard]] Processes& processes() { return processes_; }
+  [[nodiscard]] Tokens& tokens() { return tokens_; }
+  [[nodiscard]] Signatures& signatures() { return signatures_; }
+  [[nodiscard]] Inspection& inspection() { return inspection_; }
   [[nodiscard]] Modules& modules() { return modules_; }
   [[nodiscard]] Resources& resources() { return resources_; }
   [[nodiscard]] Environment& environment() { return environment_; }
@@ -122,6 +128,9 @@ class Machine {
   Crashes crashes_;
   Registry registry_;
   Processes processes_;
+  Inspection inspection_;
+  Tokens tokens_;
+  Signatures signatures_;
   Modules modules_;
   Resources resources_;
   Environment environment_;

@@ -27,6 +27,16 @@ struct NameLess {
   }
 };
 
+/// The order of a folder's names. `exact` tells "a" and "A" apart, which stand side by side then.
+struct ChildOrder {
+  using is_transparent = void;
+  bool exact = false;
+  [[nodiscard]] bool operator()(std::wstring_view left, std::wstring_view right) const {
+    const int order = compare_names(left, right);
+    return order != 0 ? order < 0 : exact && left < right;
+  }
+};
+
 [[nodiscard]] bool name_starts_with(std::wstring_view text, std::wstring_view start);
 [[nodiscard]] bool name_ends_with(std::wstring_view text, std::wstring_view end);
 

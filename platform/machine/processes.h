@@ -1,6 +1,7 @@
 #pragma once
 
 #include <map>
+#include <memory>
 #include <thread>
 
 #include "platform/machine/images.h"
@@ -15,20 +16,23 @@ namespace machine {
 
 class HandleTable;
 class Ids;
-class RunningProcess;
+class ProcessTable;
 class Scheduler;
+class Termination;
+struct RunningProcess;
 
 /// Programs that are started on the machine: each runs for its time on the machine's clock, and what it does to the
-/// machine it does at its end.
+/// machine it does at its end. A process that terminates itself stops the machine.
 class Processes final : public ports::Processes {
  public:
-  Processes(World& world, HandleTable& handles, Scheduler& scheduler, Ids& ids, ports::Errors& errors);
+  Processes(World& world, HandleTable& handles, Scheduler& scheduler, Ids& ids, ports::Errors& errors,
+            Termination& termination);
 
   [[nodiscard]] bool create(const wchar_t* command_line, const wchar_t* directory, std::uint32_t flags,
                             ports::CreatedProcess& out) override;
   [[nodiscard]] bool exit_code(ports::Handle process, std::uint32_t& out) override;
   bool terminate(ports::Handle process, std::uint32_t exit_code) override;
-  [[nodiscard]] std::uint32_t current_id() override { return own_id_; }
+  [[nodiscard]] std::uint32_t current_id() override;
   [[nodiscard]] bool shell_execute(const ports::ShellRequest& request, ports::Handle& process) override;
   [[nodiscard]] ports::Result initialize_com() override;
   void uninitialize_com() override;
@@ -38,22 +42,24 @@ class Processes final : public ports::Processes {
                                                  const wchar_t* arguments, const wchar_t* directory,
                                                  const wchar_t* operation) override;
 
+  /// All of the machine's processes.
+  [[nodiscard]] const std::shared_ptr<ProcessTable>& table() const { return table_; }
+
  private:
   bool fail(ports::ErrorCode error);
   [[nodiscard]] ports::ErrorCode find(const wchar_t* command_line, const wchar_t* directory, Image& image,
                                       std::wstring& folder) KY_REQUIRES(world_.mutex);
-  /// Books the run of an image; the caller has no lock.
-  [[nodiscard]] std::shared_ptr<RunningProcess> start(const Image& image, std::wstring command_line,
-                                                      std::wstring folder);
-  [[nodiscard]] ports::ErrorCode shell_start(const ports::ShellRequest& request,
+  /// Null where the shell needed no new process.
+  [[nodiscard]] ports::ErrorCode shell_start(const ports::ShellRequest& request, bool by_shell,
                                              std::shared_ptr<RunningProcess>& process);
+  [[nodiscard]] ports::Handle handle_of(std::shared_ptr<RunningProcess> held);
 
   World& world_;
   HandleTable& handles_;
-  Scheduler& scheduler_;
   Ids& ids_;
   ports::Errors& errors_;
-  const std::uint32_t own_id_;
+  Termination& termination_;
+  const std::shared_ptr<ProcessTable> table_;
   ports::Mutex com_mutex_;
   std::map<std::thread::id, std::uint32_t> com_ KY_GUARDED_BY(com_mutex_);
 };

@@ -90,8 +90,9 @@ TEST_F(MachineProcesses, AProgramDoesItsWorkAtItsEnd) {
   EXPECT_TRUE(machine->files().remove(L"C:\\un.exe"));
   const State state = machine->state();
   EXPECT_EQ(key_path(state.registry, state.registry.last_key).find(L"App"), std::wstring::npos);
+  const std::uint32_t own = machine->processes().current_id();
   const StartedProcesses expected = {
-      {process.process_id, L"C:\\un.exe /S", L"C:\\Windows\\System32", L"C:\\un.exe", 7u}};
+      {process.process_id, L"C:\\un.exe /S", L"C:\\Windows\\System32", L"C:\\un.exe", 7u, own}};
   EXPECT_EQ(state.started, expected);
 }
 

@@ -1,5 +1,6 @@
 #include "platform/machine/programs.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "platform/machine/file_lookup.h"
@@ -11,21 +12,33 @@ namespace machine {
 
 namespace code = ports::code;
 
-const Program* find_program(const Programs& programs, std::wstring_view image) {
-  const Program* by_name = nullptr;
+const Program* find_program(const Programs& programs, std::wstring_view image, std::wstring_view command_line) {
+  const Program* best = nullptr;
+  int best_rank = 0;
   for (const Program& program : programs) {
-    if (same_name(program.image, image)) return &program;
-    if (by_name == nullptr && same_name(program.image, last_part(image))) by_name = &program;
+    const bool by_path = same_name(program.image, image);
+    if (!by_path && !same_name(program.image, last_part(image))) continue;
+    if (command_line.find(program.arguments) == std::wstring_view::npos) continue;
+    const int rank = 1 + (by_path ? 2 : 0) + (program.arguments.empty() ? 0 : 1);
+    if (rank <= best_rank) continue;
+    best = &program;
+    best_rank = rank;
   }
-  return by_name;
+  return best;
+}
+
+bool is_told(const Programs& programs, std::wstring_view image) {
+  return std::any_of(programs.begin(), programs.end(), [image](const Program& program) {
+    return same_name(program.image, image) || same_name(program.image, last_part(image));
+  });
 }
 
 namespace {
 
-[[nodiscard]] Found found(const State& state, std::wstring_view path) {
+[[nodiscard]] Found found(const State& state, std::wstring_view path, LastLink last) {
   const ParsedPath parsed = parse_path(path, state.environment.current_folder);
   if (parsed.error != code::success) return {parsed.error, 0, {}};
-  return look_up(state.files, parsed.path, LastLink::itself);
+  return look_up(state.files, parsed.path, last);
 }
 
 void delete_one(FileTree& tree, const Found& place) {
@@ -61,6 +74,7 @@ void write_file(State& state, const Effect& effect) {
   FileNode& node = state.files.nodes.at(id);
   if (node.folder || !resize(state.files, id, effect.bytes.size())) return;
   node.bytes = effect.bytes;
+  node.signature.reset();
 }
 
 void delete_key(RegistryTree& tree, KeyId key) {
@@ -81,11 +95,20 @@ void delete_key(RegistryTree& tree, KeyId key) {
 
 }  // namespace
 
+bool is_meant(const State& state, const RunningProgram& process, std::wstring_view wanted) {
+  if (wanted.find(L'\\') == std::wstring_view::npos) {
+    return same_name(wanted, last_part(process.image)) || same_name(wanted, process.name);
+  }
+  if (same_name(wanted, process.image)) return true;
+  const Found one = found(state, wanted, LastLink::followed);
+  return one.error == code::success && one.node == found(state, process.image, LastLink::followed).node;
+}
+
 void apply(State& state, const Effect& effect) {
   switch (effect.kind) {
     case EffectKind::delete_file:
     case EffectKind::delete_folder: {
-      const Found place = found(state, effect.path);
+      const Found place = found(state, effect.path, LastLink::itself);
       if (place.error != code::success) return;
       const bool folder = state.files.nodes.at(place.node).folder;
       if (folder != (effect.kind == EffectKind::delete_folder)) return;
@@ -103,6 +126,9 @@ void apply(State& state, const Effect& effect) {
       if (const KeyId key = make_keys(state.registry, effect.path)) {
         state.registry.keys.at(key).values.insert_or_assign(effect.name, effect.value);
       }
+      return;
+    case EffectKind::ask_to_close:
+    case EffectKind::end_process:
       return;
   }
 }

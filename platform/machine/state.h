@@ -6,14 +6,16 @@
 #include "platform/machine/environment_facts.h"
 #include "platform/machine/file_tree.h"
 #include "platform/machine/pending_moves.h"
+#include "platform/machine/privileges.h"
 #include "platform/machine/programs.h"
 #include "platform/machine/registry_tree.h"
+#include "platform/machine/running.h"
 #include "platform/machine/started_process.h"
 #include "platform/ports/mutex.h"
 
 namespace machine {
 
-/// Everything that a machine is, as plain data. What a machine file holds, and in `started` what it does not.
+/// Everything that a machine is, as plain data. What a machine file holds, and, from `started` on, what it does not.
 struct State {
   ClockStart clock;
   EnvironmentFacts environment;
@@ -21,8 +23,13 @@ struct State {
   RegistryTree registry;
   Programs programs;
   PendingMoves pending_moves;
-  std::uint32_t next_id = 4;  // of processes and threads
+  /// What runs beside this process and its parent, as the machine begins and in a copy of its state. A machine that
+  /// goes keeps them in its process table.
+  RunningPrograms processes;
+  std::uint32_t next_id = 8;  // of processes and threads
   StartedProcesses started;
+  EndedProcesses ended;
+  Privileges enabled_privileges = {privilege::change_notify};  // of this process's token
 };
 
 /// The state that the ports share. Its lock is the innermost: the scheduler and the handle table are not called under

@@ -87,6 +87,7 @@ std::uint32_t Waits::wait(std::span<const ports::Handle> handles, bool all, std:
   for (const ports::Handle handle : handles) {
     const auto object = handles_.find(handle);
     if (object == nullptr || object->waitable() == nullptr) return fail(ports::code::invalid_handle);
+    if (!object->may_wait()) return fail(ports::code::access_denied);
     objects.push_back(object->waitable());
   }
   if (all && has_doubles(objects)) return fail(ports::code::invalid_parameter);
@@ -94,9 +95,19 @@ std::uint32_t Waits::wait(std::span<const ports::Handle> handles, bool all, std:
   return result == ports::wait_result::failed ? fail(ports::code::gen_failure) : result;
 }
 
+namespace {
+
+// Some have a close of their own.
+[[nodiscard]] bool closable(ObjectKind kind) {
+  return kind != ObjectKind::search && kind != ObjectKind::certificate_store && kind != ObjectKind::signed_message &&
+         kind != ObjectKind::certificate;
+}
+
+}  // namespace
+
 bool Waits::close(ports::Handle handle) {
   const auto object = handles_.find(handle);
-  if (object == nullptr || object->kind() == ObjectKind::search || handles_.close(handle) == nullptr) {
+  if (object == nullptr || !closable(object->kind()) || handles_.close(handle) == nullptr) {
     errors_.set_last(ports::code::invalid_handle);
     return false;
   }

@@ -33,7 +33,7 @@ std::wstring search_expression(std::wstring_view pattern) {
   return out;
 }
 
-bool matches(std::wstring_view expression, std::wstring_view name) {
+bool matches(std::wstring_view expression, std::wstring_view name, Case rule) {
   // reach[i]: the expression up to i fits the name up to the place that the loop stands at.
   std::vector<bool> reach(expression.size() + 1, false);
   reach[0] = true;
@@ -55,7 +55,8 @@ bool matches(std::wstring_view expression, std::wstring_view name) {
       const wchar_t unit = expression[i];
       if (unit == L'*' || (unit == dos_star && !last_dot(name, at))) next[i] = true;
       const bool one = unit == L'?' || (unit == dos_mark && name[at] != L'.') ||
-                       (unit == dos_dot && name[at] == L'.') || fold(unit) == fold(name[at]);
+                       (unit == dos_dot && name[at] == L'.') || unit == name[at] ||
+                       (rule == Case::folded && fold(unit) == fold(name[at]));
       if (one) next[i + 1] = true;
     }
     reach = next;

@@ -9,7 +9,9 @@ namespace machine {
 /// for nothing at the end of a name or before a dot, and "*." finds names without a dot.
 [[nodiscard]] std::wstring search_expression(std::wstring_view pattern);
 
-/// True when `name` is in the expression, which `search_expression` made. Ignores case.
-[[nodiscard]] bool matches(std::wstring_view expression, std::wstring_view name);
+enum class Case { folded, exact };
+
+/// True when `name` is in the expression, which `search_expression` made.
+[[nodiscard]] bool matches(std::wstring_view expression, std::wstring_view name, Case rule = Case::folded);
 
 }  // namespace machine

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <span>
 #include <string>
 
 namespace ports {
@@ -23,6 +25,11 @@ class Environment {
 
   /// GetCommandLineW: the process's command line, program included. Cannot fail.
   [[nodiscard]] virtual std::wstring command_line() = 0;
+
+  /// QueryDosDeviceW: the device paths that a name such as "C:" stands for, the current one first, each terminated and
+  /// one terminator more behind them. Gives how many characters were written, all terminators counted; 0 is failure,
+  /// with file_not_found (no such name) or insufficient_buffer in the last error.
+  [[nodiscard]] virtual std::uint32_t dos_device(const wchar_t* name, std::span<wchar_t> into) = 0;
 };
 
 }  // namespace ports

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/ports/status.h"
 #include "platform/ports/types.h"
 
 namespace ports {
@@ -69,6 +70,8 @@ struct FileInformation {
   std::uint32_t attributes = 0;
   std::uint64_t size = 0;
   std::uint32_t links = 0;
+  std::uint32_t volume = 0;  // its serial number
+  std::uint64_t index = 0;   // the file's number on the volume
 };
 
 /// What tells one file from every other on this computer.
@@ -112,8 +115,14 @@ class Files {
   /// GetFileInformationByHandle. Of a link opened with open_reparse_point it tells about the link.
   virtual bool information(Handle file, FileInformation& out) = 0;
 
-  /// GetFileInformationByHandleEx, FileIdInfo. Also fails with invalid_parameter on a volume without identities.
+  /// GetFileInformationByHandleEx, FileIdInfo. Also fails with invalid_parameter or not_supported on a volume without
+  /// identities.
   virtual bool identity(Handle file, FileIdentity& out) = 0;
+
+  /// NtQueryInformationFile, FileCaseSensitiveInformation: bit 0 is set where the folder tells names apart by case.
+  /// invalid_info_class or invalid_parameter where the system or the volume does not know of it; invalid_handle. Leaves
+  /// the last error alone.
+  [[nodiscard]] virtual Status case_sensitivity(Handle folder, std::uint32_t& flags) = 0;
 
   /// GetFileInformationByHandleEx, FileIdBothDirectoryInfo, or with `restart` FileIdBothDirectoryRestartInfo: the next
   /// rows of a folder that was opened with file_access::list_directory, as many as one call gives, in place of what

@@ -16,7 +16,6 @@ enum class ResourcePlace : std::uintptr_t { null = 0 };
 enum class ResourceData : std::uintptr_t { null = 0 };
 
 namespace load_flag {
-inline constexpr std::uint32_t search_dll_folder = 0x100;
 inline constexpr std::uint32_t search_system = 0x800;
 }  // namespace load_flag
 

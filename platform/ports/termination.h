@@ -13,6 +13,7 @@ enum class StopKind : std::uint32_t {
   processor_fault,    // an arithmetic fault
   step_limit,         // a rehearsal's limit on steps
   deadlock,           // a rehearsal where nothing can go on
+  own_end,            // a rehearsal where the process terminates itself
 };
 
 /// The place and the reason, for people.

@@ -1,7 +1,9 @@
 #include "platform/record/recorder.h"
 
 #include "platform/record/ledger.h"
+#include "platform/record/process_book.h"
 #include "platform/record/recording_files.h"
+#include "platform/record/recording_inspection.h"
 #include "platform/record/recording_log_streams.h"
 #include "platform/record/recording_processes.h"
 #include "platform/record/recording_registry.h"
@@ -12,23 +14,24 @@ struct Recorder::Parts {
   explicit Parts(const ports::System& system)
       : inner(system),
         ledger(inner),
-        waits(inner, ledger),
+        book(inner),
+        waits(inner, ledger, book),
         files(inner, ledger),
         log_streams(inner, ledger),
         registry(inner, ledger),
-        processes(inner, ledger),
-        outer{inner.errors,      inner.clock,     inner.threads, waits,           files,
-              registry,          processes,       inner.modules, inner.resources, inner.environment,
-              inner.termination, inner.text,      log_streams,   inner.crashes,   inner.winapi,
-              inner.cipher,      inner.key_maker, inner.xml,     inner.cng,       inner.own_module} {}
+        processes(inner, ledger, book),
+        inspection(inner, ledger, book),
+        outer(ports::with(inner, waits, files, log_streams, registry, processes, inspection)) {}
 
   const ports::System inner;
   Ledger ledger;
+  ProcessBook book;
   RecordingWaits waits;
   RecordingFiles files;
   RecordingLogStreams log_streams;
   RecordingRegistry registry;
   RecordingProcesses processes;
+  RecordingInspection inspection;
   ports::System outer;
 };
 
@@ -54,6 +57,10 @@ std::vector<Deletion> Recorder::deletions() const {
 
 std::vector<LogFile> Recorder::logs() const {
   return parts_->ledger.logs();
+}
+
+std::vector<SeenProcess> Recorder::processes() const {
+  return parts_->book.seen();
 }
 
 Recorder::Pause::Pause(Recorder& recorder) : recorder_(recorder) {

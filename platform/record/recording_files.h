@@ -33,6 +33,9 @@ class RecordingFiles final : public ports::Files {
   }
   bool flush(ports::Handle file) override { return inner_.flush(file); }
   bool information(ports::Handle file, ports::FileInformation& out) override { return inner_.information(file, out); }
+  ports::Status case_sensitivity(ports::Handle folder, std::uint32_t& flags) override {
+    return inner_.case_sensitivity(folder, flags);
+  }
   bool identity(ports::Handle file, ports::FileIdentity& out) override { return inner_.identity(file, out); }
   std::uint32_t attributes(const wchar_t* path) override { return inner_.attributes(path); }
   bool exists(const wchar_t* path) override { return inner_.exists(path); }

@@ -52,4 +52,8 @@ std::wstring Environment::command_line() {
   return GetCommandLineW();
 }
 
+std::uint32_t Environment::dos_device(const wchar_t* name, std::span<wchar_t> into) {
+  return QueryDosDeviceW(name, into.data(), static_cast<DWORD>(into.size()));
+}
+
 }  // namespace win32

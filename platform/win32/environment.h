@@ -8,6 +8,7 @@ class Environment final : public ports::Environment {
  public:
   std::wstring folder(ports::KnownFolder which) override;
   std::wstring command_line() override;
+  std::uint32_t dos_device(const wchar_t* name, std::span<wchar_t> into) override;
 };
 
 }  // namespace win32

@@ -9,6 +9,7 @@
 #include <iterator>
 
 #include "platform/win32/handles.h"
+#include "platform/win32/native_api.h"
 
 namespace win32 {
 
@@ -61,7 +62,8 @@ bool Files::flush(ports::Handle file) {
 bool Files::information(ports::Handle file, ports::FileInformation& out) {
   BY_HANDLE_FILE_INFORMATION found{};
   if (!GetFileInformationByHandle(native(file), &found)) return false;
-  out = {found.dwFileAttributes, joined(found.nFileSizeHigh, found.nFileSizeLow), found.nNumberOfLinks};
+  out = {found.dwFileAttributes, joined(found.nFileSizeHigh, found.nFileSizeLow), found.nNumberOfLinks,
+         found.dwVolumeSerialNumber, joined(found.nFileIndexHigh, found.nFileIndexLow)};
   return true;
 }
 
@@ -71,6 +73,15 @@ bool Files::identity(ports::Handle file, ports::FileIdentity& out) {
   out.volume = found.VolumeSerialNumber;
   std::copy(std::begin(found.FileId.Identifier), std::end(found.FileId.Identifier), out.id.begin());
   return true;
+}
+
+ports::Status Files::case_sensitivity(ports::Handle folder, std::uint32_t& flags) {
+  ULONG found = 0;
+  IoStatusBlock result{};
+  const LONG status =
+      NtQueryInformationFile(native(folder), &result, &found, sizeof found, file_case_sensitive_information);
+  flags = found;
+  return status;
 }
 
 bool Files::mark_deleted(ports::Handle file) {

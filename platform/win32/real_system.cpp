@@ -5,12 +5,15 @@
 #include "platform/win32/environment.h"
 #include "platform/win32/errors.h"
 #include "platform/win32/files.h"
+#include "platform/win32/inspection.h"
 #include "platform/win32/log_streams.h"
 #include "platform/win32/modules.h"
 #include "platform/win32/processes.h"
 #include "platform/win32/registry.h"
+#include "platform/win32/signatures.h"
 #include "platform/win32/termination.h"
 #include "platform/win32/threads.h"
+#include "platform/win32/tokens.h"
 #include "platform/win32/winapi_forwards.h"
 
 namespace win32 {
@@ -26,6 +29,9 @@ struct RealWorld {
   Files files;
   Registry registry;
   Processes processes;
+  ProcessInspection inspection;
+  Tokens tokens;
+  Signatures signatures;
   Modules modules;
   Resources resources;
   Environment environment;
@@ -42,6 +48,9 @@ struct RealWorld {
                        files,
                        registry,
                        processes,
+                       inspection,
+                       tokens,
+                       signatures,
                        modules,
                        resources,
                        environment,

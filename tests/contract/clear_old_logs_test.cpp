@@ -21,6 +21,9 @@ class MovedEnvironment final : public ports::Environment {
     return which == ports::KnownFolder::common_app_data ? data_ : inner_.folder(which);
   }
   std::wstring command_line() override { return inner_.command_line(); }
+  std::uint32_t dos_device(const wchar_t* name, std::span<wchar_t> into) override {
+    return inner_.dos_device(name, into);
+  }
 
  private:
   ports::Environment& inner_;
@@ -35,11 +38,7 @@ class ClearOldLogs : public Contract {
   /// Runs it once and gives what it logged between its first and its last line.
   Texts run(const std::wstring& folder, const support::Attributes& attributes, std::optional<std::uint64_t> limit) {
     MovedEnvironment environment(system().environment, folder);
-    const ports::System& inner = system();
-    const ports::System moved{inner.errors,      inner.clock,     inner.threads,     inner.waits,     inner.files,
-                              inner.registry,    inner.processes, inner.modules,     inner.resources, environment,
-                              inner.termination, inner.text,      inner.log_streams, inner.crashes,   inner.winapi,
-                              inner.cipher,      inner.key_maker, inner.xml,         inner.cng,       inner.own_module};
+    const ports::System moved = ports::with(system(), environment);
     const host::TableFactories library{ky::library::factories()};
     host::Session session(moved, library);
     EXPECT_EQ(session.start(host::built_in_script_key()), "");

@@ -77,6 +77,12 @@ TEST_P(CodePages, SizesAndRefusals) {
       << "the boundary's table leads to the same conversion";
 }
 
+TEST_P(CodePages, TheSystemSaysWhatACodeMeansOrNothing) {
+  EXPECT_NE(text().system_message(code::access_denied).find("denied"), std::string::npos);
+  EXPECT_NE(text().system_message(code::invalid_handle), "");
+  EXPECT_EQ(text().system_message(0x2FFFFFFF), "");
+}
+
 KY_CONTRACT(CodePages);
 
 }  // namespace

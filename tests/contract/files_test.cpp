@@ -272,16 +272,55 @@ TEST_P(Files, ASearchGivesEveryRowOfItsPattern) {
 TEST_P(Files, AnIdentityTellsOneFileFromAnother) {
   make_file(L"a");
   make_file(L"b");
-  const auto identity = [&](const wchar_t* name) {
-    ports::FileIdentity out;
+  struct Told {
+    ports::FileIdentity identity;
+    ports::FileInformation information;
+  };
+  const auto told = [&](const wchar_t* name) {
+    Told out;
     const Handle file = open(name, access::read_attributes);
-    EXPECT_TRUE(files().identity(file, out));
+    EXPECT_TRUE(files().identity(file, out.identity));
+    EXPECT_TRUE(files().information(file, out.information));
     EXPECT_TRUE(close(file));
     return out;
   };
-  EXPECT_EQ(identity(L"a"), identity(L"A"));
-  EXPECT_NE(identity(L"a").id, identity(L"b").id);
-  EXPECT_EQ(identity(L"a").volume, identity(L"b").volume);
+  const Told a = told(L"a"), again = told(L"A"), b = told(L"b");
+  EXPECT_EQ(a.identity, again.identity);
+  EXPECT_NE(a.identity.id, b.identity.id);
+  EXPECT_EQ(a.identity.volume, b.identity.volume);
+  // What a volume without identities is asked for instead.
+  EXPECT_EQ(a.information.index, again.information.index);
+  EXPECT_NE(a.information.index, b.information.index);
+  EXPECT_EQ(a.information.volume, b.information.volume);
+  EXPECT_NE(a.information.volume, 0U);
+  EXPECT_EQ(a.information.links, 1U);
+}
+
+TEST_P(Files, AFolderSaysWhetherItTellsNamesApartByCase) {
+  const Handle folder =
+      open(L".", access::read_attributes, share::none, Disposition::open_always, ports::open_flag::backup_semantics);
+  ASSERT_NE(folder, Handle::invalid) << last_error();
+  std::uint32_t flags = 0;
+  const ports::Status status = files().case_sensitivity(folder, flags);
+  EXPECT_EQ(flags, 0U);
+  expect_but_for_wine("case-sensitive folders", status == ports::status::success);
+  EXPECT_TRUE(ports::status_ok(status) || status == ports::status::invalid_info_class) << status;
+  EXPECT_TRUE(close(folder));
+  expect_but_for_wine("case-sensitive folders",
+                      files().case_sensitivity(Handle::null, flags) == ports::status::invalid_handle);
+}
+
+TEST_P(Files, AStatusHasItsCode) {
+  const std::pair<ports::Status, ports::ErrorCode> rows[] = {
+      {ports::status::success, code::success},
+      {ports::status::invalid_handle, code::invalid_handle},
+      {ports::status::access_denied, code::access_denied},
+      {ports::status::invalid_info_class, code::invalid_parameter},
+      {ports::status::not_found, code::not_found},
+      {ports::status::entry_point_not_found, code::procedure_not_found},
+      {static_cast<ports::Status>(0xC0FF1234), code::mr_mid_not_found},
+  };
+  for (const auto& [status, expected] : rows) EXPECT_EQ(system().errors.of_status(status), expected) << status;
 }
 
 TEST_P(Files, ATemporaryFileIsMadeInItsFolder) {

@@ -1,7 +1,9 @@
 #include "tests/contract/machine_world.h"
 
+#include "platform/machine/file_lookup.h"
 #include "platform/machine/machine.h"
 #include "platform/ports/build.h"
+#include "platform/ports/signatures.h"
 #include "tests/contract/scratch.h"
 
 namespace contract {
@@ -36,6 +38,29 @@ class MachineWorld final : public World {
     return {path, L"argument"};
   }
 
+  std::wstring library(Signing signing) override {
+    namespace trust = ports::trust;
+    static constexpr ports::Result results[] = {trust::trusted,    trust::trusted, trust::no_signature,
+                                                trust::bad_digest, trust::expired, trust::untrusted_root};
+    const std::wstring path = folder() + L"\\library" + std::to_wstring(++libraries_) + L".dll";
+    const ports::Handle file =
+        system_.files.open(path.c_str(), ports::file_access::generic_write, 0, ports::Disposition::create_new, 0);
+    std::uint32_t written = 0;
+    EXPECT_TRUE(system_.files.write(file, std::vector<std::uint8_t>{'M', 'Z'}, written));
+    EXPECT_TRUE(system_.waits.close(file));
+    if (signing == Signing::none) return path;
+    machine_.change([&](machine::State& state) {
+      const machine::Path parsed = machine::parse_path(path, L"C:\\").path;
+      machine::Signature signature;
+      signature.subject = signing == Signing::other ? other_signer_name : signer_name;
+      signature.issuer = L"Ky Test Authority";
+      signature.serial = {static_cast<std::uint8_t>(signing == Signing::other ? 0x02 : 0x01), 0x9A, 0x00};
+      signature.trust = results[static_cast<std::size_t>(signing)];
+      state.files.nodes.at(machine::look_up(state.files, parsed, machine::LastLink::itself).node).signature = signature;
+    });
+    return path;
+  }
+
   bool wine() const override { return false; }
   bool wine_engines() const override { return engines_are_wine(); }
 
@@ -45,6 +70,7 @@ class MachineWorld final : public World {
   ports::System system_ = machine_.system(*engines_);
   std::wstring folder_;
   std::uint32_t children_ = 0;
+  std::uint32_t libraries_ = 0;
 };
 
 }  // namespace

@@ -55,6 +55,18 @@ TEST_P(ModulesAndResources, TheProgramKnowsItsPlace) {
                       !system().environment.folder(ports::KnownFolder::all_users_profile).empty());
 }
 
+TEST_P(ModulesAndResources, ADriveIsToldAsItsDevice) {
+  wchar_t device[300] = {};
+  const std::uint32_t count = system().environment.dos_device(L"C:", device);
+  const std::wstring current = device;
+  EXPECT_EQ(current.rfind(L"\\Device\\", 0), 0U);
+  ASSERT_GE(count, current.size() + 2);
+  EXPECT_EQ(device[count - 1], L'\0');
+  EXPECT_EQ(device[count - 2], L'\0');
+  EXPECT_EQ(code_of(system().environment.dos_device(L"q:", device) != 0), code::file_not_found);
+  EXPECT_EQ(code_of(system().environment.dos_device(L"C:", {device, 4}) != 0), code::insufficient_buffer);
+}
+
 KY_CONTRACT(ModulesAndResources);
 
 }  // namespace

@@ -25,6 +25,11 @@ struct Child {
   [[nodiscard]] std::wstring command_line() const { return L"\"" + program + L"\" " + arguments; }
 };
 
+/// What is the matter with a library's signature. All but `other` are signed under the name of the first signer.
+enum class Signing { own, other, none, tampered, expired, stranger };
+inline constexpr wchar_t signer_name[] = L"Ky Test Signer One";
+inline constexpr wchar_t other_signer_name[] = L"Ky Test Signer Two";
+
 /// A world whose ports a contract test tries: the real one or a machine. Each test has its own.
 class World {
  public:
@@ -36,6 +41,8 @@ class World {
   [[nodiscard]] virtual std::wstring key() = 0;
   /// A program that lives for so long and ends with `exit_code`.
   [[nodiscard]] virtual Child child(std::uint32_t milliseconds, std::uint32_t exit_code) = 0;
+  /// A fresh library in the scratch folder.
+  [[nodiscard]] virtual std::wstring library(Signing signing) = 0;
   /// Makes sure that a desktop's shell runs.
   virtual void start_shell() {}
   /// The real system is Wine, which is known to differ in places: the rows of docs/wine.md.

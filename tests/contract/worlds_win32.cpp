@@ -5,6 +5,7 @@
 #include "platform/ports/processes.h"
 #include "tests/contract/machine_world.h"
 #include "tests/contract/scratch.h"
+#include "tests/contract/signed_files.h"
 #include "tests/contract/world.h"
 
 namespace contract {
@@ -37,6 +38,15 @@ class RealWorld final : public World {
             std::to_wstring(milliseconds) + L" " + std::to_wstring(exit_code)};
   }
 
+  std::wstring library(Signing signing) override {
+    static constexpr const wchar_t* names[] = {L"own", L"other", L"none", L"tampered", L"expired", L"stranger"};
+    trust_test_authority();
+    const std::wstring made = signed_file(names[static_cast<std::size_t>(signing)] + std::wstring(L".dll"));
+    const std::wstring path = folder() + L"\\library" + std::to_wstring(++libraries_) + L".dll";
+    EXPECT_TRUE(CopyFileW(made.c_str(), path.c_str(), TRUE)) << made.c_str();
+    return path;
+  }
+
   // Wine starts its shell with the first thread that asks for the desktop, and only then.
   void start_shell() override { ASSERT_NE(GetDesktopWindow(), nullptr); }
 
@@ -46,6 +56,7 @@ class RealWorld final : public World {
  private:
   const ports::System& system_ = *ports::real_system(ports::Module::null);
   std::wstring folder_;
+  std::uint32_t libraries_ = 0;
 };
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include "installer/desktop/module/library.h"
 #include "installer/utils/base/strings/utf8.h"
 #include "ky/keys.h"
+#include "platform/faults/faulty_system.h"
 #include "platform/machine/machine.h"
 #include "platform/ports/build.h"
 #include "platform/ports/files.h"
@@ -19,17 +20,17 @@
 #include "tests/support/kept_log.h"
 #include "tools/ky/script/text_cipher.h"
 
-/// One command on a bare machine: a store with the host's keys, a log, and the command's attributes enciphered as a
-/// script has them.
-class CommandFixture : public ::testing::Test {
- protected:
+/// One command on a machine, by default a bare one: a store with the host's keys, a log, and the command's attributes
+/// enciphered as a script has them. Calls of the system fail by plan.
+class CommandWorld {
+ public:
   using Attributes = std::vector<std::pair<std::string, std::string>>;
   struct Loaded {
     host::CommandOwner command;
     std::uint32_t result = 0;  // of LoadCiphered
   };
 
-  CommandFixture() {
+  explicit CommandWorld(machine::State state = machine::bare_state()) : world(std::move(state), {}) {
     EXPECT_EQ(session.start(host::built_in_script_key()), "");
     ky::ILoggerApi* const kept = new support::KeptLog(log);
     session.store().put(ky::keys::SelfFree_LoggerApi.name, ky::ToStored(kept));
@@ -100,8 +101,12 @@ class CommandFixture : public ::testing::Test {
 
   machine::Machine world;
   std::unique_ptr<ports::Engines> engines = ports::make_engines(world.errors());
-  ports::System system = world.system(*engines);
+  ports::System inner = world.system(*engines);
+  faults::FaultySystem faulty{inner};
+  ports::System system = faulty.system();
   std::vector<std::wstring> log;
   host::TableFactories library{ky::library::factories()};
   host::Session session{system, library};
 };
+
+class CommandFixture : public ::testing::Test, protected CommandWorld {};

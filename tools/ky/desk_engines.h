@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "platform/ports/build.h"
+#include "platform/ports/status_codes.h"
 
 namespace workbench {
 
@@ -18,6 +19,7 @@ class DeskEngines {
    public:
     ports::ErrorCode last() override { return code_; }
     void set_last(ports::ErrorCode code) override { code_ = code; }
+    ports::ErrorCode of_status(ports::Status status) override { return ports::code_of_status(status); }
 
    private:
     ports::ErrorCode code_ = 0;

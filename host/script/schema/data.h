@@ -6,6 +6,48 @@
 // The commands that bring values into the store.
 namespace host::schema {
 
+inline constexpr AttributeSchema command_line_parser_attributes[] = {
+    {.name = "knownParams",
+     .form = Form::text,
+     .meaning =
+         "The parameters to keep, with one blank between them; one that ends in `=` or `:` has a value. Absent or "
+         "empty: both lines stay whole."},
+};
+inline constexpr KeyUse command_line_parser_keys[] = {
+    {"String_CommandLine", Access::reads, "this process's line"},
+    {"String_CommandLine", Access::writes, "cut down to `knownParams`"},
+    {"String_ParrentCommandLine", Access::writes, "the parent's line, cut down as well; empty where it cannot be read"},
+    {"String_PixelUrlParam", Access::writes,
+     "the text behind `/pixel_url=` up to a blank, of the parent's line where both have it; as it was where none has"},
+    {"int_Force", Access::writes, "1 where a line has `/force`, else 0"},
+    {"int_Silent", Access::writes, "the same for `/silent`"},
+    {"int_KeepSettings", Access::writes, "the same for `/keepSettings`"},
+    {"int_SkipKyagent", Access::writes, "the same for `/skipKyagent`"},
+    {"int_RunKyagent", Access::writes, "1 less `int_SkipKyagent`"},
+    {"int_OnlyProgress", Access::writes, "0"},
+    {"int_RunUninstall", Access::writes, "1 where a line has `/uninstall`, else 0"},
+    {"int_RunUpdate", Access::writes, "the same for `/update`"},
+    {"int_RunRepair", Access::writes, "the same for `/repair`"},
+    {"int_IsUpgrade", Access::writes, "the same for `/upgrade`"},
+    {"int_AttachWindow", Access::writes, "the same for `/attach`"},
+};
+inline constexpr CommandSchema command_line_parser = {
+    .name = "CommandLineParser",
+    .log_name = "CommandLineParser",
+    .summary = "Turns the switches of the command line, and of the parent process's, into variables.",
+    .remarks =
+        R"(A switch counts when it stands on either line. Case counts, and it is found anywhere: `/forced` is `/force`.
+
+With `knownParams` both lines are cut down before they are read, so that a switch that is not listed there is
+off. What is kept stands in an order of its own: flags first, then those with a value, each sorted. Of a
+value in quotes all is kept up to the closing quote, of another one all up to a blank; only the first of
+several is kept, and one without a closing quote goes with its name. The log has both lines whole.)",
+    .attributes = command_line_parser_attributes,
+    .keys = command_line_parser_keys,
+    .results = shape_results,
+    .example = R"(<CommandLineParser knownParams="/silent /force /keepSettings /uninstall /attach /pixel_url="/>)",
+};
+
 inline constexpr AttributeSchema get_date_time_attributes[] = {
     {.name = "var",
      .form = Form::integer_name,

@@ -1,5 +1,6 @@
 #include "ky/factories.h"
 
+#include "installer/desktop/commands/data/commandlineparsercommand.h"
 #include "installer/desktop/commands/data/evaluatecommand.h"
 #include "installer/desktop/commands/data/getdatetimecommand.h"
 #include "installer/desktop/commands/data/getstringfromxmlcommand.h"
@@ -11,6 +12,8 @@
 #include "installer/desktop/commands/files/pathexistscommand.h"
 #include "installer/desktop/commands/flow/jumpcommand.h"
 #include "installer/desktop/commands/flow/nopcommand.h"
+#include "installer/desktop/commands/process/closeprocess.h"
+#include "installer/desktop/commands/process/closeprocesses.h"
 
 #define KY_DEFINE_FACTORY(stem, command)       \
   ky::CInstallCommand* GetC##stem##Command() { \

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "platform/ports/system.h"
+#include "platform/ports/text.h"
 
 namespace winapi {
 
@@ -11,7 +12,10 @@ namespace {
 class WinErrorCategory final : public std::error_category {
  public:
   [[nodiscard]] const char* name() const noexcept override { return "win"; }
-  [[nodiscard]] std::string message(int code) const override { return "error " + std::to_string(code); }
+  [[nodiscard]] std::string message(int code) const override {
+    std::string text = ports::system().text.system_message(static_cast<ports::ErrorCode>(code));
+    return text.empty() ? "unknown error " + std::to_string(code) : text;
+  }
 };
 
 const WinErrorCategory category{};
@@ -20,6 +24,14 @@ const WinErrorCategory category{};
 
 const std::error_category& details::win_error_category() noexcept {
   return category;
+}
+
+std::error_code error_of(ports::ErrorCode code) noexcept {
+  return {static_cast<int>(code), category};
+}
+
+std::error_code last_error() {
+  return error_of(ports::system().errors.last());
 }
 
 void raise(ports::ErrorCode code, const char* what) {

@@ -146,8 +146,17 @@ TEST_F(Checker, FamiliesAreLookedAtUpToTheirEnd) {
   EXPECT_EQ(check::first_unread(Numbers{1, 2, 3}, false, 3), 0);
   EXPECT_EQ(check::first_unread(Numbers{1, 3, 4}, false, 9), 3);
   EXPECT_EQ(check::first_unread(Numbers{2}, false, 9), 2);
-  EXPECT_EQ(check::first_unread(Numbers{2, 4}, true, 5), 0);
-  EXPECT_EQ(check::first_unread(Numbers{2, 4}, true, 4), 4);
+  EXPECT_EQ(check::first_unread(Numbers{2, 4}, true, 4), 0);
+  EXPECT_EQ(check::first_unread(Numbers{2, 4}, true, 3), 4);
+  const std::string entry = " process2='a.exe' cmd2='' currentDir2='C:\\' ";
+  EXPECT_EQ(
+      found_in("<CloseProcesses id='a' maxTimeout='1' next='#end'" + entry + "/>\n"),
+      "2:51 numbered-gap: \"process2\" is never looked at: the element has 5 attributes, which lets numbers go up to "
+      "1\n2:68 numbered-gap: \"cmd2\" is never looked at: the element has 5 attributes, which lets numbers go up to "
+      "1\n2:76 numbered-gap: \"currentDir2\" is never looked at: the element has 5 attributes, which lets numbers "
+      "go up to 1\n")
+      << "three attributes a number, and the id is none of them";
+  EXPECT_EQ(found_in("<CloseProcesses maxTimeout='1' next='#end' errVar='A' execCondition='RTL'" + entry + "/>\n"), "");
 }
 
 TEST_F(Checker, AnEncipheredScriptIsCheckedAsItsDecompiledText) {

@@ -21,8 +21,8 @@ constexpr Rule rules[] = {
      "A command reads text that is no number as 0, and only the part of `5x` that is one. A `next` or `target` that is "
      "no number would send the run to the command with index 0, a flag `true` would be off, and a number beyond 32 "
      "bits would be another one. An index is 0 to 2147483646.",
-     "Write a whole number: decimal, `0x` and hexadecimal, or `0` and octal. A flag is `1` or `0`. Ways may be `#` "
-     "and an id."},
+     "Write a whole number: decimal, `0x` and hexadecimal, or `0` and octal. Milliseconds are decimal or `INFINITE`. A "
+     "flag is `1` or `0`. Ways may be `#` and an id."},
     {rule::bad_xpath, Severity::error, "An XPath does not parse or selects no nodes.",
      "Nothing is read at any run, and `int_ReturnCode` gets the error, which the process then ends with. Variables "
      "that something puts are taken for a name here.",

@@ -9,6 +9,7 @@
 #include "installer/utils/base/expressions/syntax_check.h"
 #include "ky/keys.h"
 #include "tools/ky/script/element_check.h"
+#include "tools/ky/script/resolved_script.h"
 
 namespace check {
 
@@ -116,15 +117,19 @@ class ValueRules {
         families[attribute.schema].push_back(attribute.number);
       }
     }
-    const std::size_t count = command.element->attributes.size();
+    // An id is in the plain script alone.
+    const std::size_t count =
+        command.element->attributes.size() - (command.element->find(script::id_attribute) == nullptr ? 0 : 1);
     for (auto& [schema, numbers] : families) {
       std::sort(numbers.begin(), numbers.end());
-      const std::int32_t unread = first_unread(numbers, schema->gaps_allowed, count);
+      const std::size_t readable = (count - 1) / schema->attributes_each;
+      const std::int32_t unread = first_unread(numbers, schema->gaps_allowed, readable);
       if (unread == 0) continue;
       const std::string name = std::string(schema->name) + std::to_string(unread);
-      const std::string reason =
-          schema->gaps_allowed ? "the element has " + std::to_string(count) + " attributes, and numbers must be less"
-                               : "a number before it is missing";
+      const std::string reason = schema->gaps_allowed
+                                     ? "the element has " + std::to_string(count) +
+                                           " attributes, which lets numbers go up to " + std::to_string(readable)
+                                     : "a number before it is missing";
       findings_.push_back(
           {command.element->find(name)->at, rule::numbered_gap, quoted(name) + " is never looked at: " + reason});
     }
@@ -168,10 +173,10 @@ void check_values(const std::vector<KnownCommand>& commands, std::vector<Finding
   ValueRules(commands, findings).run();
 }
 
-std::int32_t first_unread(std::span<const std::int32_t> numbers, bool gaps_allowed, std::size_t attributes) {
+std::int32_t first_unread(std::span<const std::int32_t> numbers, bool gaps_allowed, std::size_t readable) {
   std::int32_t expected = 1;
   for (const std::int32_t number : numbers) {
-    if (gaps_allowed ? static_cast<std::size_t>(number) >= attributes : number != expected) return number;
+    if (gaps_allowed ? static_cast<std::size_t>(number) > readable : number != expected) return number;
     ++expected;
   }
   return 0;

@@ -15,8 +15,7 @@ namespace check {
 void check_values(const std::vector<KnownCommand>& commands, std::vector<Finding>& findings);
 
 /// The first of a family's numbers, ascending, that its command does not look at; 0 where it looks at all. With gaps
-/// allowed a command looks at numbers less than `attributes`, the count of the element's attributes.
-[[nodiscard]] std::int32_t first_unread(std::span<const std::int32_t> numbers, bool gaps_allowed,
-                                        std::size_t attributes);
+/// allowed a command looks at numbers up to `readable`.
+[[nodiscard]] std::int32_t first_unread(std::span<const std::int32_t> numbers, bool gaps_allowed, std::size_t readable);
 
 }  // namespace check

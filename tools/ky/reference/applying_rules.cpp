@@ -14,6 +14,7 @@ void add_for_form(const AttributeSchema& each, std::set<std::string_view>& rules
   switch (each.form) {
     case Form::integer:
     case Form::flag:
+    case Form::milliseconds:
       rules.insert("bad-number");
       break;
     case Form::index:

@@ -13,6 +13,8 @@ std::string_view words_of(Form form) {
       return "integer";
     case Form::flag:
       return "flag";
+    case Form::milliseconds:
+      return "milliseconds";
     case Form::index:
       return "index";
     case Form::text:
@@ -45,6 +47,8 @@ std::string_view explained(Form form) {
       return "32 bits. `0x` and a leading `0` change the radix as in C; text that is no number would be taken for 0.";
     case Form::flag:
       return "`1` or `0`.";
+    case Form::milliseconds:
+      return "A whole decimal number, or `INFINITE` in any case for no limit.";
     case Form::index:
       return "The index of a command, or `#` and the id of one; `#end` is the end of the script.";
     case Form::text:

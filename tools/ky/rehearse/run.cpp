@@ -95,7 +95,7 @@ int run(const RunOptions& options, std::ostream& out, std::ostream& err) {
   const auto source = rehearsal::script_source(options.script, options.script_key, real->cipher);
   ReportingTermination termination(real->termination);
   rehearsal::SwitchedEnvironment environment(real->environment, options.switches);
-  rehearsal::ScriptRun script(rehearsal::with(*real, environment, termination, cng));
+  rehearsal::ScriptRun script(ports::with(*real, environment, termination, cng));
   rehearsal::OutputFolder folder(options.out);
   rehearsal::Report report("Run of " + source.title, folder, out, err);
   report.keep_log(options.log_key.has_value());

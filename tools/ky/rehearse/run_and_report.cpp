@@ -6,13 +6,6 @@
 
 namespace rehearsal {
 
-ports::System with(const ports::System& world, ports::Environment& environment, ports::Termination& termination,
-                   ports::Cng& cng) {
-  return {world.errors,  world.clock,     world.threads,   world.waits, world.files, world.registry,    world.processes,
-          world.modules, world.resources, environment,     termination, world.text,  world.log_streams, world.crashes,
-          world.winapi,  world.cipher,    world.key_maker, world.xml,   cng,         world.own_module};
-}
-
 int run_and_report(ScriptRun& run, const ScriptSource& source, Report& report, std::ostream& err) {
   const std::vector<std::string> reasons =
       run.prepare(source.bytes, source.key, [&report](std::string_view record) { report.log(record); });

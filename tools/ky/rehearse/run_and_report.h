@@ -9,10 +9,6 @@
 
 namespace rehearsal {
 
-/// `world` with these ports in place of its own.
-[[nodiscard]] ports::System with(const ports::System& world, ports::Environment& environment,
-                                 ports::Termination& termination, ports::Cng& cng);
-
 /// Prepares the run, shows its progress on a terminal, runs it and finishes the report. Gives the exit code. Throws
 /// `workbench::BadInput` with every reason where the script is refused; nothing has run or been written then.
 [[nodiscard]] int run_and_report(ScriptRun& run, const ScriptSource& source, Report& report, std::ostream& err);

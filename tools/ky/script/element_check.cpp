@@ -1,17 +1,26 @@
 #include "tools/ky/script/element_check.h"
 
 #include <algorithm>
+#include <charconv>
 #include <string>
 #include <utility>
 
 #include "host/script/command_schema.h"
 #include "host/script/encipher.h"
+#include "installer/utils/base/strings/case_fold.h"
 #include "installer/utils/base/strings/utf8.h"
 #include "tools/ky/script/resolved_script.h"
 
 namespace script {
 
 namespace {
+
+bool is_milliseconds(std::string_view text) {
+  if (base::strings::equal_ignoring_case(base::strings::to_wide(text), L"INFINITE")) return true;
+  std::int32_t number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  return error == std::errc() && end == text.data() + text.size();
+}
 
 class ElementCheck {
  public:
@@ -63,6 +72,9 @@ class ElementCheck {
     if (number && !whole_integer(attribute.value).has_value()) must_be = "a number of 32 bits";
     // Commands differ in what they make of other numbers.
     if (schema.form == host::Form::flag && attribute.value != "0" && attribute.value != "1") must_be = "1 or 0";
+    if (schema.form == host::Form::milliseconds && !is_milliseconds(attribute.value)) {
+      must_be = "a decimal number of milliseconds or INFINITE";
+    }
     if (must_be == nullptr) return;
     fault(attribute.at, rule::bad_number,
           quoted(attribute.name) + " is " + quoted(attribute.value) + " and must be " + must_be);

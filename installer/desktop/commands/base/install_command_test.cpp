@@ -109,6 +109,8 @@ TEST_F(InstallCommand, EveryGuardedCommandTellsTheSecondThreadInItsOwnWords) {
        L"5: PathExists Error: Multiple threads attempting execution.\n"},
       {"GetStringFromXml", {{"xmlVar", "Doc"}}, L"5: GetStringFromXml Error: Multiple threads attempting execution.\n"},
       {"LoadFilesFromResources", {}, L"5: LoadFilesFromResources Error: Multiple threads attempting execution.\n"},
+      {"CloseProcesses", {}, L"5: CloseProcesses Error: Multiple threads attempting execution.\n"},
+      {"CommandLineParser", {}, L"5: CommandLineParser Error: Multiple threads attempting execution.\n"},
   };
   put("Doc", L"<r/>");
   for (const auto& row : rows) {

@@ -41,4 +41,8 @@ LogStream& LogStream::operator<<(bool value) {
   return *this << std::wstring_view(value ? L"true" : L"false");
 }
 
+LogStream& LogStream::operator<<(ports::Handle handle) {
+  return *this << base::strings::format(L"%016I64X", static_cast<std::uint64_t>(handle));
+}
+
 }  // namespace ky

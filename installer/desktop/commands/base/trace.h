@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "installer/utils/base/strings/format.h"
+#include "platform/ports/types.h"
 
 /// The two ways to the log. Both are silent until a log stands under `SelfFree_LoggerApi`.
 namespace ky {
@@ -35,6 +36,8 @@ class LogStream {
   LogStream& operator<<(std::uint32_t number);
   /// As a word, "true" or "false".
   LogStream& operator<<(bool value);
+  /// As 16 upper-case hexadecimal digits.
+  LogStream& operator<<(ports::Handle handle);
 
  private:
   std::wstring text_;
