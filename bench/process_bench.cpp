@@ -56,16 +56,16 @@ struct Desk {
     }
     for (std::size_t i = 0; i < count; ++i) {
       const bool sought = i % 4 == 0;
-      std::wstring file = sought ? name(i / 4 % names) : L"otherprogram" + std::to_wstring(i) + L".exe";
+      std::wstring file = sought ? name(i / 4 % names) : L"other" + std::to_wstring(i) + L".exe";
       if (i % 8 == 0) paths.push_back(folder_path(0) + file);
       if (i % 8 != 0) paths.push_back(folder_path(9) + file);
-      if (i / 4 % 2 != 0) file[0] = L'P';
+      if (i / 4 % 2 != 0) file[0] = L'S';
       rows.push_back({file, static_cast<std::uint32_t>(4 * i + 4), 4});
     }
   }
 
  private:
-  static std::wstring name(std::size_t n) { return L"part-of-the-suite-" + std::to_wstring(100 + n) + L".exe"; }
+  static std::wstring name(std::size_t n) { return L"suite" + std::to_wstring(100 + n) + L".exe"; }
   static std::wstring folder_path(std::size_t n) {
     return L"C:\\Program Files\\Tavrine\\Suite " + std::to_wstring(n) + L"\\";
   }

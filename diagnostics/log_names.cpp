@@ -17,19 +17,20 @@ std::wstring bounded_name(std::wstring name) {
 }
 
 const wchar_t* suffix(const LogRun& run) {
-  return run.sealed ? log_format::sealed_suffix.data() : L"";
+  return run.sealed ? log_format::sealed_suffix : L"";
 }
 
 }  // namespace
 
 std::wstring thread_file_name(const LogRun& run, std::uint32_t thread) {
-  return bounded_name(format(L"%s%I64u.%lu%s.bin", std::wstring(run.label).c_str(), run.start, thread, suffix(run)));
+  return bounded_name(
+      format(log_format::thread_file_name, std::wstring(run.label).c_str(), run.start, thread, suffix(run)));
 }
 
 std::wstring merged_file_name(const LogRun& run, std::wstring_view tag) {
   std::wstring head(run.label);
   if (!head.empty()) head += tag;
-  return bounded_name(format(L"%s%I64u.kyinstall%s.bin", head.c_str(), run.start, suffix(run)));
+  return bounded_name(format(log_format::merged_file_name, head.c_str(), run.start, suffix(run)));
 }
 
 std::wstring log_path(const std::wstring& name) {

@@ -18,23 +18,12 @@ namespace log_format = diagnostics::log_format;
 using diagnostics::LogStreamOwner;
 using diagnostics::Scratch;
 
-namespace {
-
-std::wstring first_record(std::uint32_t thread, const wchar_t* description) {
-  const ports::LocalTime now = ports::system().clock.local();
-  return base::strings::format(L"=========== Started logging for thread %u (%s) on %02ld.%02ld.%02ld ===========",
-                               thread, description == nullptr ? L"No description" : description, std::int32_t{now.day},
-                               std::int32_t{now.month}, std::int32_t{now.year});
-}
-
-}  // namespace
-
 CLoggerApi::CLoggerApi() : start_time(static_cast<std::uint64_t>(ports::system().clock.seconds_since_1970())) {}
 
 // No lock: all threads are done.
 CLoggerApi::~CLoggerApi() {
   try {
-    Merge(thread_files);
+    Merge();
   } catch (const std::bad_alloc&) {
     // The thread files stay, each readable by itself.
   }
@@ -66,20 +55,26 @@ void CLoggerApi::SetMergedNameTag(const wchar_t* tag) {
 
 void CLoggerApi::StartThreadLog(const wchar_t* description, bool is_main_thread) {
   const std::uint32_t thread = ports::system().threads.current_id();
-  if (is_main_thread) {
-    const ports::Lock lock(mutex);
-    main_thread_id = thread;
-  }
+  if (is_main_thread) main_thread_id = thread;
   LogStreamOwner opened = diagnostics::open_log(ThreadPath(thread), ports::LogMode::append);
   const ports::LogStream stream = opened.get();
-  {
+  // A thread that has an entry keeps it, also one without a stream, which its first record made.
+  ThreadLog made{std::move(opened), {}};
+  if (!thread_logs.try_emplace(thread, std::move(made)).second) {
     const ports::Lock lock(mutex);
-    if (Sealed()) thread_ivs.try_emplace(thread, block_length);
-    // A thread that has an entry keeps it, also one without a stream, which its first record made.
-    if (!thread_files.try_emplace(thread, std::move(opened)).second) unused_streams.push_back(std::move(opened));
+    unused_streams.push_back(std::move(made.stream));
   }
   if (stream != ports::LogStream::null) WriteHead(stream);
-  WriteLine(first_record(thread, description).c_str());
+  const ports::LocalTime now = ports::system().clock.local();
+  Write(log_format::first_record, thread, description == nullptr ? L"No description" : description,
+        std::int32_t{now.day}, std::int32_t{now.month}, std::int32_t{now.year});
+}
+
+void CLoggerApi::Write(const wchar_t* format, ...) {
+  std::va_list arguments;
+  va_start(arguments, format);
+  WriteFormatted(format, arguments);
+  va_end(arguments);
 }
 
 void CLoggerApi::WriteFormatted(const wchar_t* format, std::va_list arguments) {
@@ -95,14 +90,15 @@ void CLoggerApi::WriteLine(const wchar_t* text) {
   const ports::System& system = ports::system();
   const std::uint32_t thread = system.threads.current_id();
   try {
-    const Lane lane = LaneOf(thread);
-    if (lane.stream == ports::LogStream::null) return;
+    ThreadLog& log = LogOf(thread);
+    const ports::LogStream stream = StreamOf(log);
+    if (stream == ports::LogStream::null) return;
     const diagnostics::TimeStamp stamp = diagnostics::time_stamp(system.clock.local());
     Scratch<std::uint8_t> scratch;
-    const std::span<const std::uint8_t> record = EncodeRecord(stamp, text, *lane.iv, scratch);
+    const std::span<const std::uint8_t> record = EncodeRecord(stamp, text, log.iv, scratch);
     if (record.empty()) return;
-    system.log_streams.write(lane.stream, record);
-    system.log_streams.flush(lane.stream);
+    system.log_streams.write(stream, record);
+    system.log_streams.flush(stream);
   } catch (const std::bad_alloc&) {
     // The record is lost.
   }
@@ -115,7 +111,7 @@ std::span<const std::uint8_t> CLoggerApi::EncodeRecord(const diagnostics::TimeSt
   if (!Sealed()) return diagnostics::scrambled_line(stamp, message, xor_key, into);
   try {
     // Each record starts from zero, so that a lost or damaged one costs only itself.
-    std::fill(iv.begin(), iv.end(), std::uint8_t{0});
+    iv.assign(block_length, std::uint8_t{0});
     Scratch<std::uint8_t> scratch;
     const std::span<const std::uint8_t> plain = diagnostics::plain_line(stamp, message, scratch);
     constexpr std::uint32_t padding = ports::cng_padding::block;
@@ -130,13 +126,15 @@ std::span<const std::uint8_t> CLoggerApi::EncodeRecord(const diagnostics::TimeSt
   }
 }
 
-CLoggerApi::Lane CLoggerApi::LaneOf(std::uint32_t thread) {
-  const ports::Lock lock(mutex);
-  const LogStreamOwner& own = thread_files[thread];
-  const ports::LogStream stream = own.open() ? own.get() : thread_files[main_thread_id].get();
-  if (stream == ports::LogStream::null) return {};
-  // The map does not move it.
-  return {stream, &thread_ivs.try_emplace(thread, block_length).first->second};
+CLoggerApi::ThreadLog& CLoggerApi::LogOf(std::uint32_t thread) {
+  ThreadLog* const known = thread_logs.find(thread);
+  return known != nullptr ? *known : *thread_logs.try_emplace(thread, {}).first;
+}
+
+ports::LogStream CLoggerApi::StreamOf(const ThreadLog& log) {
+  if (log.stream.open()) return log.stream.get();
+  const ThreadLog* const main = thread_logs.find(main_thread_id);
+  return main == nullptr ? ports::LogStream::null : main->stream.get();
 }
 
 std::wstring CLoggerApi::ThreadPath(std::uint32_t thread) const {
@@ -155,12 +153,12 @@ void CLoggerApi::WriteHead(ports::LogStream stream) const {
   streams.flush(stream);
 }
 
-void CLoggerApi::Merge(ThreadFiles& files) const {
+void CLoggerApi::Merge() {
   diagnostics::LogMerge merge(diagnostics::log_path(diagnostics::merged_file_name(Run(), merged_name_tag)), Sealed(),
                               wrapped_key);
-  for (auto& [thread, stream] : files) {
-    if (!stream.open()) continue;
-    stream.close();
+  for (const auto& [thread, log] : thread_logs.all()) {
+    if (!log->stream.open()) continue;
+    log->stream.close();
     merge.take(ThreadPath(thread));
   }
 }

@@ -1,7 +1,7 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
-#include <map>
 #include <span>
 #include <string>
 #include <vector>
@@ -11,6 +11,7 @@
 #include "diagnostics/log_stream_owner.h"
 #include "diagnostics/scratch.h"
 #include "diagnostics/sealing.h"
+#include "diagnostics/thread_table.h"
 #include "ky/logger_api.h"
 #include "platform/ports/mutex.h"
 
@@ -46,20 +47,22 @@ class CLoggerApi final : public Destroyable<CLoggerApi, ILoggerApi> {
   [[nodiscard]] diagnostics::LogRun Run() const { return {label, start_time, Sealed()}; }
   [[nodiscard]] std::wstring ThreadPath(std::uint32_t thread) const;
 
+  void Write(const wchar_t* format, ...);
   void WriteHead(ports::LogStream stream) const;
-  /// Where a thread's records go, and its IV, which is the thread's own.
-  struct Lane {
-    ports::LogStream stream = ports::LogStream::null;
-    std::vector<std::uint8_t>* iv = nullptr;
+  /// What a thread has; it alone uses the IV.
+  struct ThreadLog {
+    diagnostics::LogStreamOwner stream;
+    std::vector<std::uint8_t> iv;
   };
-  [[nodiscard]] Lane LaneOf(std::uint32_t thread) KY_EXCLUDES(mutex);
+  [[nodiscard]] ThreadLog& LogOf(std::uint32_t thread);
+  /// Where the thread's records go: into the main thread's file where it has none of its own.
+  [[nodiscard]] ports::LogStream StreamOf(const ThreadLog& log);
   [[nodiscard]] std::span<const std::uint8_t> EncodeRecord(const diagnostics::TimeStamp& stamp,
                                                            std::wstring_view message, std::vector<std::uint8_t>& iv,
                                                            diagnostics::Scratch<std::uint8_t>& into) const;
-  using ThreadFiles = std::map<std::uint32_t, diagnostics::LogStreamOwner>;
-  void Merge(ThreadFiles& files) const;
+  void Merge();
 
-  ThreadFiles thread_files KY_GUARDED_BY(mutex);
+  diagnostics::ThreadTable<ThreadLog> thread_logs;
   std::wstring label;
   std::wstring merged_name_tag;
   ports::Mutex mutex;
@@ -67,10 +70,9 @@ class CLoggerApi final : public Destroyable<CLoggerApi, ILoggerApi> {
   std::vector<std::uint8_t> xor_key;
   diagnostics::CngKeyOwner session_key;
   diagnostics::CngAlgorithmOwner algorithm;
-  std::map<std::uint32_t, std::vector<std::uint8_t>> thread_ivs KY_GUARDED_BY(mutex);
   std::vector<std::uint8_t> wrapped_key;
   std::uint32_t block_length = 0;
-  std::uint32_t main_thread_id KY_GUARDED_BY(mutex) = 0;
+  std::atomic<std::uint32_t> main_thread_id{0};
   // Second streams of threads that started twice: they stay open to the end.
   std::vector<diagnostics::LogStreamOwner> unused_streams KY_GUARDED_BY(mutex);
 };

@@ -6,6 +6,7 @@
 #include "diagnostics/log_format.h"
 #include "installer/extern/base/include/winapi/win_error_category.h"
 #include "installer/utils/base/strings/format.h"
+#include "platform/faults/faulty_system.h"
 #include "platform/machine/file_lookup.h"
 #include "platform/machine/file_rules.h"
 #include "tests/support/bare_machine.h"
@@ -225,10 +226,24 @@ TEST_F(Logger, ThreadsWithoutAFileWriteToTheMainThreadsOrNowhere) {
     const std::vector<std::wstring> read = lines(file(self, true));
     EXPECT_EQ(read.size(), is_main ? 2U : 1U);
     EXPECT_EQ(read.back(), is_main ? stamp() + L"guest\n\n" : first_line(self, L"No description"));
-    // A start after the first record comes too late: the entry without a stream stays.
     log.reset();
     EXPECT_EQ(lines(merged(true)), read);
   }
+}
+
+TEST_F(Logger, AStartBehindTheFirstRecordComesTooLate) {
+  start(true, true);
+  const std::uint32_t other = support::run_on_thread(system, [this] {
+    log->WriteLine(L"early\n");
+    log->StartThreadLog(L"late", false);
+    log->WriteLine(L"after\n");
+  });
+  EXPECT_EQ(file(other, true).size(), 132U) << "a key header and no record";
+  const std::vector<std::wstring> expected = {first_line(self, L"No description"), stamp() + L"early\n\n",
+                                              first_line(other, L"late"), stamp() + L"after\n\n"};
+  log.reset();
+  EXPECT_EQ(lines(merged(true)), expected);
+  EXPECT_EQ(file(other, true).size(), 132U) << "nobody merges it";
 }
 
 TEST_F(Logger, AThreadThatStartsTwiceHasASecondKeyHeaderInItsFile) {
@@ -260,6 +275,29 @@ TEST_F(Logger, WhatTheProviderRefusesIsToldAndLeavesNothing) {
   for (const auto& row : rows) {
     make(false);
     EXPECT_EQ(log->SetupEncryption(row.algorithm, row.bits), row.taken) << row.bits;
+  }
+}
+
+TEST_F(Logger, AFailureAtAnyStepOfSealingIsToldAndLeavesNothing) {
+  using faults::Operation;
+  const struct {
+    Operation operation;
+    std::uint64_t calls;  // as many are made
+  } rows[] = {{Operation::cng_open_algorithm, 3}, {Operation::cng_random, 32},    {Operation::cng_generate_key, 1},
+              {Operation::cng_block_length, 2},   {Operation::cng_export_key, 2}, {Operation::cng_import_public_key, 1},
+              {Operation::cng_encrypt, 2}};
+  for (const auto& row : rows) {
+    for (std::uint64_t call = 1; call <= row.calls + 1; ++call) {
+      faults::FaultySystem faulty(system);
+      faulty.fail(row.operation, call, false, static_cast<ports::ErrorCode>(ports::status::not_supported));
+      ports::unbind();
+      ports::bind(faulty.system());
+      CLoggerApi tried;
+      EXPECT_EQ(tried.SetupEncryption(L"AES", 256), call > row.calls)
+          << static_cast<int>(row.operation) << ", " << call;
+      // Nobody has started, and nothing is left but an empty merged file.
+      tried.SetXorKey("k");
+    }
   }
 }
 

@@ -38,18 +38,26 @@ std::string reason_of_closure(const LogFiles& files, const LogFile& file) {
          "the run is there to tell";
 }
 
+void tell_no_key(const LogFiles& files, RecordSink& sink) {
+  for (const std::unique_ptr<LogFile>& file : files) {
+    if (file->form != Form::sealed) continue;
+    tell(sink, *file, ProblemKind::no_key, file->length, "it is sealed, and no private key was given");
+  }
+}
+
 }  // namespace
 
 void open_keys(const LogFiles& files, const Settings& settings, RecordSink& sink) {
+  if (settings.keys == nullptr) {
+    tell_no_key(files, sink);
+    return;
+  }
+  const KeyOpener& keys = *settings.keys;
   const LogFile* donor = nullptr;
   std::vector<LogFile*> closed;
   for (const std::unique_ptr<LogFile>& file : files) {
     if (file->form != Form::sealed) continue;
-    if (settings.keys == nullptr) {
-      tell(sink, *file, ProblemKind::no_key, file->length, "it is sealed, and no private key was given");
-      continue;
-    }
-    const HeaderState state = read_key_header(*file, *settings.keys);
+    const HeaderState state = read_key_header(*file, keys);
     if (state == HeaderState::torn) {
       tell(sink, *file, ProblemKind::cut_short, file->length, "cut short: the file ends inside its key header");
       continue;
@@ -64,7 +72,7 @@ void open_keys(const LogFiles& files, const Settings& settings, RecordSink& sink
     }
   }
   std::unique_ptr<LogFile> sibling;
-  if (donor == nullptr && !closed.empty()) sibling = find_sibling(*closed.front(), *settings.keys);
+  if (donor == nullptr && !closed.empty()) sibling = find_sibling(*closed.front(), keys);
   if (sibling != nullptr) donor = sibling.get();
   for (LogFile* const file : closed) {
     if (donor == nullptr) {

@@ -3,6 +3,8 @@
 #include <charconv>
 #include <tuple>
 
+#include "diagnostics/log_format.h"
+
 namespace diagnostics::reader {
 
 namespace {
@@ -23,12 +25,12 @@ std::string_view label_of(const LogName& name) {
 
 std::optional<LogName> parse_log_name(std::string_view name) {
   LogName parsed;
-  if (!take_suffix(name, ".bin")) return std::nullopt;
-  parsed.sealed = take_suffix(name, ".v2");
+  if (!take_suffix(name, log_format::extension_word)) return std::nullopt;
+  parsed.sealed = take_suffix(name, log_format::sealed_word);
   const std::size_t dot = name.rfind('.');
   if (dot == std::string_view::npos) return std::nullopt;
   const std::string_view last = name.substr(dot + 1);
-  if (last != "kyinstall") {
+  if (last != log_format::merged_word) {
     std::uint32_t thread = 0;
     const auto [end, error] = std::from_chars(last.data(), last.data() + last.size(), thread);
     if (last.empty() || error != std::errc() || end != last.data() + last.size()) return std::nullopt;

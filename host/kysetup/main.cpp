@@ -64,8 +64,7 @@ std::optional<std::string_view> read_script(std::string& reason) {
     if (!document) reason = "the script in kycommands.dll is empty";
     return document;
   } catch (const std::system_error& error) {
-    reason = std::string("the script cannot be read out of kycommands.dll, ") + error.what() + ' ' +
-             std::to_string(error.code().value());
+    reason = std::string("the script cannot be read out of kycommands.dll, ") + error.what();
     return std::nullopt;
   }
 }

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <memory_resource>
 #include <string_view>
 #include <unordered_map>
@@ -39,10 +38,15 @@ class Decipherer {
   static constexpr std::size_t capacity = 512;
   static constexpr std::size_t first_memory = 64 * 1024;
 
-  /// The last block depends on all that stands before it, so a look at the text's end will do.
+  /// The last block depends on all that stands before it and is as good as random, so the text's last digits, side by
+  /// side, will do.
   struct Hash {
     std::size_t operator()(std::wstring_view text) const {
-      return std::hash<std::wstring_view>{}(text.substr(text.size() - std::min<std::size_t>(text.size(), 8)));
+      std::uint64_t digits = 0;
+      for (const wchar_t unit : text.substr(text.size() - std::min<std::size_t>(text.size(), 8))) {
+        digits = digits << 8 ^ static_cast<std::uint64_t>(unit);
+      }
+      return static_cast<std::size_t>(digits);
     }
   };
 

@@ -23,6 +23,8 @@ namespace {
 
 using base::strings::format;
 using base::strings::to_utf8;
+using ports::MapOwner;
+using ports::NodeOwner;
 using std::string_view_literals::operator""sv;
 
 std::string code_text(ports::Result code) {

@@ -13,7 +13,7 @@
 #include "host/script/flow_check.h"
 #include "host/script/program.h"
 #include "host/script/script_fault.h"
-#include "host/script/xml_owner.h"
+#include "platform/ports/xml_owner.h"
 
 namespace ports {
 struct System;
@@ -53,13 +53,13 @@ class ScriptLoader {
     const CommandSchema* schema = nullptr;
   };
 
-  [[nodiscard]] bool find_commands(std::string_view utf8, NodeOwner& commands);
-  void load_elements(const NodeOwner& commands);
+  [[nodiscard]] bool find_commands(std::string_view utf8, ports::NodeOwner& commands);
+  void load_elements(const ports::NodeOwner& commands);
   void load_element(ports::XmlNode* element);
   [[nodiscard]] const Kind& kind_of(const std::wstring& ciphered_name);
   [[nodiscard]] bool check_attributes(const Kind& kind, ky::AttributeMap* map, FlowPoint& point);
   [[nodiscard]] bool check_attribute(const Kind& kind, ports::XmlNode* attribute, std::wstring& name, FlowPoint& point);
-  [[nodiscard]] CommandOwner load_command(const Kind& kind, MapOwner& map);
+  [[nodiscard]] CommandOwner load_command(const Kind& kind, ports::MapOwner& map);
   [[nodiscard]] const char* misread(const ky::CInstallCommand& command) const;
   void fault(const std::string& name, std::string attribute, std::string reason);
   void check_all_ways();

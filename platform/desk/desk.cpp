@@ -16,7 +16,7 @@ namespace {
 namespace fs = std::filesystem;
 
 fs::path to_path(const std::string& utf8) {
-  return fs::path(std::u8string(utf8.begin(), utf8.end()));
+  return std::u8string(utf8.begin(), utf8.end());
 }
 
 std::string to_text(const fs::path& path) {

@@ -45,7 +45,8 @@ void stop(ports::StopKind kind) {
     const State state = world->state();
     const NodeId root = state.files.volumes.at(L"C:").root;
     const NodeId dump = child(state.files, root, L"a.dmp");
-    const std::vector<std::uint8_t> bytes = dump == 0 ? std::vector<std::uint8_t>() : state.files.nodes.at(dump).bytes;
+    const std::vector<std::uint8_t> bytes =
+        dump == 0 ? std::vector<std::uint8_t>() : state.files.nodes.at(dump).bytes.all();
     const std::string text(bytes.begin(), bytes.end());
     std::fprintf(stderr, "dump [%s] [%s]", text.substr(0, 4).c_str(), text.size() > 44 ? text.substr(44).c_str() : "");
   };

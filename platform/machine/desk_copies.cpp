@@ -16,7 +16,7 @@ std::shared_ptr<DeskCopy> DeskCopies::of(NodeId node) {
     const FileNode& file = world_.state.files.nodes.at(node);
     if (file.places.empty()) return nullptr;
     name = base::strings::to_utf8(file.places.front().name);
-    bytes = file.bytes;
+    bytes = file.bytes.all();
     bytes.resize(static_cast<std::size_t>(file.size));
   }
   const ports::Lock lock(mutex_);

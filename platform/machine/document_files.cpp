@@ -276,10 +276,10 @@ namespace {
     picojson::object link;
     link[node.link == LinkKind::junction ? "junction" : "symbolic"] = json_text(node.target);
     row["link"] = picojson::value(link);
-  } else if (const auto hive = node.size == node.bytes.size() ? write_hive_rows(node.bytes) : std::nullopt) {
+  } else if (const auto hive = node.size == node.bytes.size() ? write_hive_rows(node.bytes.all()) : std::nullopt) {
     row["hive"] = *hive;
   } else if (!node.folder) {
-    if (!node.bytes.empty()) write_content(node.bytes, row);
+    if (!node.bytes.empty()) write_content(node.bytes.all(), row);
     if (node.size != node.bytes.size() || node.size == 0) row["size"] = json_number(node.size);
   }
   if (!node.store.empty()) row["store"] = json_text(node.store);

@@ -15,20 +15,13 @@ Volume& add_volume(FileTree& tree, std::wstring_view drive, std::uint32_t serial
   volume.serial = serial;
   FileNode root;
   root.folder = true;
+  root.root = volume.root;
   root.attributes = attribute::hidden | attribute::system;
   tree.nodes.emplace(volume.root, std::move(root));
   return volume;
 }
 
 namespace {
-
-[[nodiscard]] NodeId root_of(const FileTree& tree, NodeId node) {
-  for (;;) {
-    const std::vector<FilePlace>& places = tree.nodes.at(node).places;
-    if (places.empty()) return node;
-    node = places.front().folder;
-  }
-}
 
 template <class Volumes>
 [[nodiscard]] auto volume_at(Volumes& volumes, NodeId root) {
@@ -38,11 +31,11 @@ template <class Volumes>
 }  // namespace
 
 const Volume& volume_of(const FileTree& tree, NodeId node) {
-  return volume_at(tree.volumes, root_of(tree, node))->second;
+  return volume_at(tree.volumes, tree.nodes.at(node).root)->second;
 }
 
 Volume& volume_of(FileTree& tree, NodeId node) {
-  return volume_at(tree.volumes, root_of(tree, node))->second;
+  return volume_at(tree.volumes, tree.nodes.at(node).root)->second;
 }
 
 bool resize(FileTree& tree, NodeId id, std::uint64_t size) {
@@ -89,8 +82,11 @@ NodeId add_node(FileTree& tree, NodeId folder, std::wstring_view name, FileNode 
 }
 
 void add_name(FileTree& tree, NodeId node, const FilePlace& place) {
-  tree.nodes.at(place.folder).children.emplace(place.name, node);
-  tree.nodes.at(node).places.push_back(place);
+  FileNode& folder = tree.nodes.at(place.folder);
+  FileNode& named = tree.nodes.at(node);
+  folder.children.emplace(place.name, node);
+  named.places.push_back(place);
+  named.root = folder.root;
 }
 
 namespace {

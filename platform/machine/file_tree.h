@@ -8,6 +8,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "platform/machine/file_bytes.h"
 #include "platform/machine/names.h"
 #include "platform/machine/signature.h"
 
@@ -40,7 +41,7 @@ struct FileNode {
   bool folder = false;           // also of a link to a folder
   std::uint32_t attributes = 0;  // what is set by hand; `reported_attributes` adds the rest
   std::uint64_t size = 0;
-  std::vector<std::uint8_t> bytes;  // the content's beginning; zeros up to `size`
+  FileBytes bytes;  // the content's beginning; zeros up to `size`
   LinkKind link = LinkKind::none;
   std::wstring target;       // of a link
   std::wstring store;        // of an INF file: the path that it came from in the driver store
@@ -54,6 +55,7 @@ struct FileNode {
   Children children;  // its order tells whether the folder tells names apart by case
   std::map<std::wstring, std::wstring, NameLess> short_names;  // of children, with the names that they stand for
   std::vector<FilePlace> places;                               // all its names; none for a drive's root
+  NodeId root = 0;  // its drive's root, for good: nothing is moved to another drive
 };
 
 struct Volume {

@@ -90,10 +90,7 @@ bool Files::read(Handle handle, std::span<std::uint8_t> into, std::uint32_t& got
   const FileNode& node = world_.state.files.nodes.at(file->node);
   const std::uint64_t left = node.size > file->position ? node.size - file->position : 0;
   const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(left, into.size()));
-  for (std::size_t i = 0; i < count; ++i) {
-    const std::uint64_t at = file->position + i;
-    into[i] = at < node.bytes.size() ? node.bytes[static_cast<std::size_t>(at)] : std::uint8_t{0};
-  }
+  node.bytes.read(static_cast<std::size_t>(file->position), into.first(count));
   file->position += count;
   got = static_cast<std::uint32_t>(count);
   return true;
@@ -110,8 +107,7 @@ bool Files::write(Handle handle, std::span<const std::uint8_t> bytes, std::uint3
   const std::uint64_t begin = anywhere ? file->position : node.size;
   const std::uint64_t end = begin + bytes.size();
   if (end > node.size && !resize(tree, file->node, end)) return fail(code::disk_full);
-  if (node.bytes.size() < end) node.bytes.resize(static_cast<std::size_t>(end));
-  std::copy(bytes.begin(), bytes.end(), node.bytes.begin() + static_cast<std::ptrdiff_t>(begin));
+  node.bytes.write(static_cast<std::size_t>(begin), bytes);
   if (!bytes.empty()) spoil_signature(node);
   file->position = end;
   written = static_cast<std::uint32_t>(bytes.size());

@@ -38,7 +38,7 @@ ports::ErrorCode mount_hive(State& state, KeyId root, std::wstring_view name, st
   if (found.error != code::success) return found.error;
   if (subkey(state.registry, root, name) != 0) return code::already_exists;
   const KeyId key = add_key(state.registry, root, name);
-  if (!read_hive(state.files.nodes.at(found.node).bytes, state.registry, key)) {
+  if (!read_hive(state.files.nodes.at(found.node).bytes.all(), state.registry, key)) {
     remove_keys(state.registry, key);
     return code::bad_database;
   }

@@ -55,8 +55,7 @@ struct OpenMode {
   FileNode& node = tree.nodes.at(id);
   const std::uint64_t begin = node.size;
   if (!resize(tree, id, begin + bytes.size())) return false;
-  node.bytes.resize(static_cast<std::size_t>(begin));
-  node.bytes.insert(node.bytes.end(), bytes.begin(), bytes.end());
+  node.bytes.write(static_cast<std::size_t>(begin), bytes);
   spoil_signature(node);
   return true;
 }

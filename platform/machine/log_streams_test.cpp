@@ -84,7 +84,7 @@ TEST_F(LogStreamsTest, TheDeskGetsWhatManyThreadsWriteInTheMachinesOrder) {
   for (const char* name : {"a.bin", "b.bin"}) {
     const std::wstring path = std::wstring(L"C:\\ProgramData\\") + static_cast<wchar_t>(name[0]) + L".bin";
     const Found found = look_up(state.files, parse_path(path, L"C:\\").path, LastLink::itself);
-    const std::vector<std::uint8_t>& bytes = state.files.nodes.at(found.node).bytes;
+    const std::vector<std::uint8_t> bytes = state.files.nodes.at(found.node).bytes.all();
     EXPECT_EQ(on_desk(name), std::string(bytes.begin(), bytes.end()));
     EXPECT_EQ(bytes.size(), name[0] == 'a' ? 400U : 200U);
   }

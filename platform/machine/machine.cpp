@@ -23,7 +23,7 @@ State bare_state() {
   const std::wstring name = std::move(program.parts.back());
   program.parts.pop_back();
   FileNode image;
-  image.bytes = {'M', 'Z'};
+  image.bytes = std::vector<std::uint8_t>{'M', 'Z'};
   image.size = image.bytes.size();
   image.mapped = true;
   add_node(state.files, make_folders(state.files, program), name, std::move(image));

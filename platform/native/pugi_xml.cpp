@@ -1,8 +1,11 @@
 #include "platform/native/pugi_xml.h"
 
+#include <algorithm>
+#include <memory>
 #include <pugixml.hpp>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "installer/utils/base/strings/utf8.h"
 #include "platform/native/node_text.h"
@@ -56,10 +59,16 @@ struct XmlNode {
 
 }  // namespace ports
 
+/// Documents stay as they were parsed, so the attributes are collected once: a command asks for a dozen names.
 struct ky::AttributeMap {
+  struct Named {
+    const char* name;
+    pugi::xml_attribute attribute;
+  };
   std::uint32_t references = 1;
   native::DocumentOwner document;
   pugi::xml_node element;
+  std::vector<Named> attributes;
 };
 
 namespace native {
@@ -255,26 +264,32 @@ Result PugiXml::text(XmlNode* node, std::wstring& out) {
 
 Result PugiXml::attributes(XmlNode* element, ky::AttributeMap*& out) {
   const bool has_map = !element->attribute && element->node.type() == pugi::node_element;
-  out = has_map ? new ky::AttributeMap{1, element->document, element->node} : nullptr;
-  return has_map ? code::ok : code::nothing;
+  out = nullptr;
+  if (!has_map) return code::nothing;
+  std::unique_ptr<ky::AttributeMap> map(new ky::AttributeMap{1, element->document, element->node, {}});
+  constexpr std::size_t usual = 8;
+  map->attributes.reserve(usual);
+  for (pugi::xml_attribute each = element->node.first_attribute(); each; each = each.next_attribute()) {
+    map->attributes.push_back({each.name(), each});
+  }
+  out = map.release();
+  return code::ok;
 }
 
 Result PugiXml::length(ky::AttributeMap* map, std::int32_t& out) {
-  const auto range = map->element.attributes();
-  out = static_cast<std::int32_t>(std::distance(range.begin(), range.end()));
+  out = static_cast<std::int32_t>(map->attributes.size());
   return code::ok;
 }
 
 Result PugiXml::item(ky::AttributeMap* map, std::int32_t position, XmlNode*& out) {
-  pugi::xml_attribute attribute = map->element.first_attribute();
-  while (attribute && position-- > 0) attribute = attribute.next_attribute();
-  return hand_out(*map, attribute, out);
+  const auto place = static_cast<std::size_t>(std::max(position, 0));
+  return hand_out(*map, place < map->attributes.size() ? map->attributes[place].attribute : pugi::xml_attribute(), out);
 }
 
 Result PugiXml::named_item(ky::AttributeMap* map, const wchar_t* name, XmlNode*& out) {
-  pugi::xml_attribute attribute = map->element.first_attribute();
-  while (attribute && !same_name(attribute.name(), name)) attribute = attribute.next_attribute();
-  return hand_out(*map, attribute, out);
+  const auto found = std::find_if(map->attributes.begin(), map->attributes.end(),
+                                  [name](const auto& each) { return same_name(each.name, name); });
+  return hand_out(*map, found == map->attributes.end() ? pugi::xml_attribute() : found->attribute, out);
 }
 
 void PugiXml::add_reference(ky::AttributeMap* map) {

@@ -14,14 +14,16 @@ namespace native {
 namespace {
 
 constexpr std::array<std::uint8_t, ports::ScriptCipher::block_size> zero_iv{};
-// Whatever the place in a group of four digits, one of its bits comes to stand above the group's 24.
-constexpr std::uint32_t no_digit = 1U << 24 | 1U << 18 | 1U << 12 | 1U << 6;
+constexpr std::uint32_t no_digit = 1U << 24;  // above a group's 24 bits
 
-constexpr std::array<std::uint32_t, 256> base64_values = [] {
-  std::array<std::uint32_t, 256> values{};
-  values.fill(no_digit);
+/// What a digit adds to its group's 24 bits, by its place in the group.
+constexpr std::array<std::array<std::uint32_t, 256>, 4> base64_values = [] {
+  std::array<std::array<std::uint32_t, 256>, 4> values{};
   constexpr char digits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-  for (std::uint32_t i = 0; i < 64; ++i) values[static_cast<std::size_t>(digits[i])] = i;
+  for (std::uint32_t place = 0; place < 4; ++place) {
+    values[place].fill(no_digit);
+    for (std::uint32_t i = 0; i < 64; ++i) values[place][static_cast<std::size_t>(digits[i])] = i << (18 - 6 * place);
+  }
   return values;
 }();
 
@@ -45,33 +47,36 @@ void OpensslCipher::destroy_key(std::uintptr_t key) {
   keys_.erase(key);
 }
 
-bool OpensslCipher::decode_base64(const wchar_t* text, std::uint32_t length, std::span<std::uint8_t> into,
+bool OpensslCipher::decode_base64(const wchar_t* text, std::uint32_t count, std::span<std::uint8_t> into,
                                   std::uint32_t& size) {
+  std::size_t length = count;
   while (length > 0 && text[length - 1] == L'=') --length;
   if (length % 4 == 1) return fail(ports::code::invalid_data);
-  const std::uint32_t needed = length / 4 * 3 + (length % 4 == 0 ? 0 : length % 4 - 1);
+  const std::size_t needed = length / 4 * 3 + (length % 4 == 0 ? 0 : length % 4 - 1);
   if (needed > into.size()) return fail(ports::code::more_data);
   std::uint32_t seen = 0;
   std::uint32_t beyond = 0;
-  for (std::uint32_t i = 0; i < length; ++i) beyond |= static_cast<std::uint32_t>(text[i]);
-  const auto value_of = [](wchar_t c) { return base64_values[static_cast<std::uint8_t>(c)]; };
-  std::uint32_t at = 0;
+  for (std::size_t i = 0; i < length; ++i) beyond |= static_cast<std::uint32_t>(text[i]);
+  const auto value_of = [](std::uint32_t place, wchar_t c) {
+    return base64_values[place][static_cast<std::uint8_t>(c)];
+  };
+  std::size_t at = 0;
   std::uint8_t* to = into.data();
   for (; at + 4 <= length; at += 4) {
     const std::uint32_t bits =
-        value_of(text[at]) << 18 | value_of(text[at + 1]) << 12 | value_of(text[at + 2]) << 6 | value_of(text[at + 3]);
+        value_of(0, text[at]) | value_of(1, text[at + 1]) | value_of(2, text[at + 2]) | value_of(3, text[at + 3]);
     seen |= bits;
     *to++ = static_cast<std::uint8_t>(bits >> 16);
     *to++ = static_cast<std::uint8_t>(bits >> 8);
     *to++ = static_cast<std::uint8_t>(bits);
   }
   std::uint32_t rest = 0;
-  for (std::uint32_t shift = 18; at < length; ++at, shift -= 6) rest |= value_of(text[at]) << shift;
+  for (std::uint32_t place = 0; at < length; ++at, ++place) rest |= value_of(place, text[at]);
   seen |= rest;
   if (length % 4 >= 2) *to++ = static_cast<std::uint8_t>(rest >> 16);
   if (length % 4 == 3) *to++ = static_cast<std::uint8_t>(rest >> 8);
-  if (seen >> 24 != 0 || beyond >= base64_values.size()) return fail(ports::code::invalid_data);
-  size = needed;
+  if (seen >> 24 != 0 || beyond >= base64_values[0].size()) return fail(ports::code::invalid_data);
+  size = static_cast<std::uint32_t>(needed);
   return true;
 }
 

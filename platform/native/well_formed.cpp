@@ -123,7 +123,7 @@ class Scanner {
       content();
       if (!fault_ && at_ < text_.size()) markup();
     }
-    return std::move(findings_);
+    return findings_;
   }
 
  private:

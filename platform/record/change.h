@@ -20,8 +20,8 @@ struct Change {
 };
 
 /// Something that was done and left nothing behind. Kinds: process-started and process-ended (`text` is the command
-/// line), process-started-by-shell and process-started-on-desktop (verb, file and arguments), hive-mounted (the key,
-/// and the file) and hive-unmounted.
+/// line, of a process that the run found running its path or name), process-started-by-shell and
+/// process-started-on-desktop (verb, file and arguments), hive-mounted (the key, and the file) and hive-unmounted.
 struct Action {
   std::string kind;
   std::wstring text;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <tuple>
+#include <utility>
 
 #include "platform/ports/codes.h"
 #include "platform/record/paths.h"
@@ -132,7 +133,7 @@ void Ledger::book(const std::wstring& path, std::wstring text) {
   const ports::Lock lock(mutex_);
   // There is no telling what was booked before, and a booking stays: the look has nothing to ask.
   entries_.insert_or_assign({Subject::booking, folded(plain_path(path))},
-                            Entry{plain_path(path), std::nullopt, [text] {
+                            Entry{plain_path(path), std::nullopt, [text = std::move(text)] {
                                     return std::optional<State>(State{"delayed-move", text});
                                   }});
 }

@@ -1,8 +1,10 @@
 #include "platform/record/recorder.h"
 
 #include "platform/record/ledger.h"
+#include "platform/record/process_book.h"
 #include "platform/record/recording_drivers.h"
 #include "platform/record/recording_files.h"
+#include "platform/record/recording_inspection.h"
 #include "platform/record/recording_log_streams.h"
 #include "platform/record/recording_processes.h"
 #include "platform/record/recording_registry.h"
@@ -14,17 +16,20 @@ struct Recorder::Parts {
   explicit Parts(const ports::System& system)
       : inner(system),
         ledger(inner),
-        waits(inner, ledger),
+        book(inner),
+        waits(inner, ledger, book),
         files(inner, ledger),
         log_streams(inner, ledger),
         registry(inner, ledger),
-        processes(inner, ledger),
+        processes(inner, ledger, book),
+        inspection(inner, ledger, book),
         tasks(inner, ledger),
         drivers(inner, ledger),
-        outer(ports::with(inner, waits, files, log_streams, registry, processes, tasks, drivers)) {}
+        outer(ports::with(inner, waits, files, log_streams, registry, processes, inspection, tasks, drivers)) {}
 
   const ports::System inner;
   Ledger ledger;
+  ProcessBook book;
   RecordingWaits waits;
   RecordingFiles files;
   RecordingLogStreams log_streams;
@@ -32,6 +37,7 @@ struct Recorder::Parts {
   RecordingProcesses processes;
   RecordingTasks tasks;
   RecordingDrivers drivers;
+  RecordingInspection inspection;
   ports::System outer;
 };
 
@@ -57,6 +63,10 @@ std::vector<Deletion> Recorder::deletions() const {
 
 std::vector<LogFile> Recorder::logs() const {
   return parts_->ledger.logs();
+}
+
+std::vector<SeenProcess> Recorder::processes() const {
+  return parts_->book.seen();
 }
 
 Recorder::Pause::Pause(Recorder& recorder) : recorder_(recorder) {

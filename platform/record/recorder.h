@@ -5,6 +5,7 @@
 
 #include "platform/ports/system.h"
 #include "platform/record/change.h"
+#include "platform/record/seen_process.h"
 
 namespace record {
 
@@ -30,6 +31,8 @@ class Recorder {
   /// The files that the run's log lies in, and older logs in the common data folder that were to be deleted: what was
   /// opened through the log's streams, and what has such a file's name. By path.
   [[nodiscard]] std::vector<LogFile> logs() const;
+  /// Other processes that were to be closed or were looked at for it, in the order in which they were first met.
+  [[nodiscard]] std::vector<SeenProcess> processes() const;
 
   /// While one lives, what its thread does goes unnoted: the host's own work.
   class Pause {

@@ -27,7 +27,10 @@ bool RecordingProcesses::create(const wchar_t* command_line, const wchar_t* dire
 }
 
 bool RecordingProcesses::terminate(ports::Handle process, std::uint32_t exit_code) {
-  if (!inner_.terminate(process, exit_code)) return false;
+  const bool taken = inner_.terminate(process, exit_code);
+  const KeptError kept(errors_);
+  book_.terminated(process, taken ? 0 : errors_.last());
+  if (!taken) return false;
   ledger_.add_action("process-ended", ledger_.named(process).value_or(L"?"));
   return true;
 }
@@ -51,9 +54,11 @@ ports::Result RecordingProcesses::execute_on_desktop(ports::DesktopShell desktop
 bool RecordingWaits::close(ports::Handle handle) {
   // Before the close: afterwards the number may already mean another thread's new handle.
   const std::optional<std::wstring> name = ledger_.named(handle);
+  const std::optional<ProcessBook::Hold> hold = book_.forget(handle);
   ledger_.forget(handle);
   const bool closed = inner_.close(handle);
   if (!closed && name) ledger_.name(handle, *name);
+  if (!closed && hold) book_.restore(handle, *hold);
   return closed;
 }
 

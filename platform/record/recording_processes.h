@@ -3,13 +3,15 @@
 #include "platform/ports/processes.h"
 #include "platform/ports/threads.h"
 #include "platform/record/ledger.h"
+#include "platform/record/process_book.h"
 
 namespace record {
 
 /// Processes whose starts and ends go into the ledger.
 class RecordingProcesses final : public ports::Processes {
  public:
-  RecordingProcesses(const ports::System& inner, Ledger& ledger) : inner_(inner.processes), ledger_(ledger) {}
+  RecordingProcesses(const ports::System& inner, Ledger& ledger, ProcessBook& book)
+      : inner_(inner.processes), errors_(inner.errors), ledger_(ledger), book_(book) {}
 
   bool create(const wchar_t* command_line, const wchar_t* directory, std::uint32_t flags,
               ports::CreatedProcess& out) override;
@@ -25,13 +27,16 @@ class RecordingProcesses final : public ports::Processes {
 
  private:
   ports::Processes& inner_;
+  ports::Errors& errors_;
   Ledger& ledger_;
+  ProcessBook& book_;
 };
 
-/// Waits that forget a handle's name when it is closed.
+/// Waits that note which processes are waited for, and forget a handle when it is closed.
 class RecordingWaits final : public ports::Waits {
  public:
-  RecordingWaits(const ports::System& inner, Ledger& ledger) : inner_(inner.waits), ledger_(ledger) {}
+  RecordingWaits(const ports::System& inner, Ledger& ledger, ProcessBook& book)
+      : inner_(inner.waits), ledger_(ledger), book_(book) {}
 
   bool close(ports::Handle handle) override;
 
@@ -41,12 +46,14 @@ class RecordingWaits final : public ports::Waits {
   bool set(ports::Handle event) override { return inner_.set(event); }
   bool reset(ports::Handle event) override { return inner_.reset(event); }
   std::uint32_t wait(std::span<const ports::Handle> handles, bool all, std::uint32_t milliseconds) override {
+    book_.waiting(handles);
     return inner_.wait(handles, all, milliseconds);
   }
 
  private:
   ports::Waits& inner_;
   Ledger& ledger_;
+  ProcessBook& book_;
 };
 
 }  // namespace record

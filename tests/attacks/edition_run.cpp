@@ -1,11 +1,13 @@
 #include "tests/attacks/edition_run.h"
 
+#include <algorithm>
 #include <memory>
 #include <vector>
 
 #include "host/factories.h"
 #include "host/session.h"
 #include "installer/desktop/module/library.h"
+#include "installer/utils/base/strings/utf8.h"
 #include "ky/keys.h"
 #include "platform/ports/build.h"
 #include "platform/record/recorder.h"
@@ -34,9 +36,9 @@ const char* told(host::RunEnd end) {
   return "?";
 }
 
-/// Commands that are meant to run once keep their guard.
+/// Commands that are meant to run once keep their guard, and so does one that finds no process.
 bool keeps_guard(const std::string& name) {
-  return name == "CrashHandler" || name == "Logger";
+  return name == "CrashHandler" || name == "Logger" || name == "CloseProcess";
 }
 
 /// Runs the script and releases all; any other command's guard that is still held is a fault.
@@ -73,6 +75,25 @@ std::uint64_t closings_failed(const faults::FaultySystem& faulty) {
   return failed;
 }
 
+/// The handles of processes that are waited for together stay open for good. Their paths were read; that of the
+/// straggler, whose handle is closed, never is.
+std::size_t meant_to_stay_open(const std::vector<record::SeenProcess>& processes) {
+  return static_cast<std::size_t>(std::count_if(processes.begin(), processes.end(), [](const auto& process) {
+    return process.opened && !process.let_go && !process.path.empty();
+  }));
+}
+
+/// What was ended of others than the suite; programs that end by themselves do not count.
+std::string strangers_ended(const machine::EndedProcesses& ended) {
+  std::string told;
+  for (const machine::EndedProcess& process : ended) {
+    const bool by_itself = process.kind == machine::EndKind::by_itself;
+    if (by_itself || process.image.starts_with(L"C:\\Program Files\\Tavrine\\")) continue;
+    told += " !! ended what is not its own: " + base::strings::to_utf8(process.image);
+  }
+  return told;
+}
+
 std::size_t open_handles(machine::Machine& machine) {
   std::size_t open = machine.registry().open_keys();
   for (const auto& [kind, count] : machine.handles().open_by_kind()) open += count;
@@ -95,9 +116,10 @@ std::string EditionRun::once(const Plan& before, const Stopped& stopped, const L
   before(faulty);
   std::string ending = run_session(faulty.system());
   const std::size_t open_after = open_handles(machine);
-  if (open_after != open_before + closings_failed(faulty)) {
+  if (open_after != open_before + closings_failed(faulty) + meant_to_stay_open(recorder.processes())) {
     ending += " !! handles left open: " + std::to_string(open_after - open_before);
   }
+  ending += strangers_ended(machine.state().ended);
   return ending + after(faulty, recorder.changes());
 }
 

@@ -79,7 +79,7 @@ TEST_P(CodePages, SizesAndRefusals) {
 
 TEST_P(CodePages, TheSystemSaysWhatACodeMeansOrNothing) {
   EXPECT_NE(text().system_message(code::access_denied).find("denied"), std::string::npos);
-  EXPECT_NE(text().system_message(code::certificate_not_found), "");
+  EXPECT_NE(text().system_message(code::invalid_handle), "");
   EXPECT_EQ(text().system_message(0x2FFFFFFF), "");
 }
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <chrono>
 #include <memory>
+#include <ratio>
 
 #include "host/session.h"
 #include "installer/desktop/module/library.h"
@@ -22,8 +23,19 @@ namespace contract {
 
 namespace {
 
-using Moment = std::chrono::steady_clock::time_point;
 using std::chrono::milliseconds;
+/// The system's time since 1601, as it stamps processes with.
+using Moment = std::chrono::duration<std::int64_t, std::ratio<1, 10'000'000>>;
+
+Moment moment_of(const FILETIME& time) {
+  return Moment((static_cast<std::int64_t>(time.dwHighDateTime) << 32) | time.dwLowDateTime);
+}
+
+Moment now() {
+  FILETIME time{};
+  GetSystemTimeAsFileTime(&time);
+  return moment_of(time);
+}
 
 constexpr std::uint32_t alive = STILL_ACTIVE;
 constexpr std::uint32_t closed_itself = 5;
@@ -39,7 +51,7 @@ class TimedLog final : public ky::Destroyable<TimedLog, ky::ILoggerApi> {
   }
   void WriteLine(const wchar_t* text) override {
     lines_.emplace_back(text);
-    if (lines_.back().find(L": waiting for ") != std::wstring::npos) wait_began_ = std::chrono::steady_clock::now();
+    if (lines_.back().find(L": waiting for ") != std::wstring::npos) wait_began_ = now();
   }
   void StartThreadLog(const wchar_t*, bool) override {}
   void SetXorKey(const char*) override {}
@@ -116,6 +128,13 @@ class RealProcesses : public testing::Test {
     return exit_code(of);
   }
 
+  static Moment ended_at(const Running& of) {
+    FILETIME started{}, ended{}, in_kernel{}, in_program{};
+    EXPECT_TRUE(
+        GetProcessTimes(reinterpret_cast<HANDLE>(of.process.process), &started, &ended, &in_kernel, &in_program));
+    return moment_of(ended);
+  }
+
   /// Runs one command, and gives how long that took.
   milliseconds run(const std::string& name, const support::Attributes& attributes) {
     const host::TableFactories library{ky::library::factories()};
@@ -125,9 +144,9 @@ class RealProcesses : public testing::Test {
                         ky::ToStored<ky::ILoggerApi*>(new TimedLog(log_, wait_began_)));
     EXPECT_TRUE(session.load(support::ScriptText(system_.cipher).add(name, attributes).text()).empty());
     host::RunObserver observer;
-    const Moment begin = std::chrono::steady_clock::now();
+    const Moment begin = now();
     EXPECT_EQ(session.run(observer).end, host::RunEnd::finished);
-    return std::chrono::duration_cast<milliseconds>(std::chrono::steady_clock::now() - begin);
+    return std::chrono::duration_cast<milliseconds>(now() - begin);
   }
 
   bool logged(const std::wstring& text) const {
@@ -138,7 +157,7 @@ class RealProcesses : public testing::Test {
   const std::wstring folder_ = make_scratch_folder(system_);
   std::vector<std::unique_ptr<Running>> running_;
   std::vector<std::wstring> log_;
-  Moment wait_began_;
+  Moment wait_began_{};
 };
 
 /// The attributes of a CloseProcesses, entry by entry.
@@ -198,7 +217,7 @@ TEST_F(ClosingTwelve, EndsThoseThatHangWhenTheLimitIsReachedAndNoOther) {
   for (std::size_t i = 0; i < delays.size(); ++i) {
     EXPECT_EQ(final_code(*twelve.programs[i]), delays[i] == never ? terminated : closed_itself) << i;
     if (delays[i] != never) continue;
-    const milliseconds after = std::chrono::duration_cast<milliseconds>(std::chrono::steady_clock::now() - wait_began_);
+    const Moment after = ended_at(*twelve.programs[i]) - wait_began_;
     EXPECT_GE(after, milliseconds(limit)) << "none before";
     EXPECT_LE(after, milliseconds(limit * 11 / 10));
   }

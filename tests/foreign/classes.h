@@ -116,4 +116,13 @@ class ILoggerApi : public CSelfFree {
  public:
   virtual void WriteFormatted(const wchar_t* format, __builtin_va_list arguments) = 0;
   virtual void WriteLine(const wchar_t* text) = 0;
+  virtual void StartThreadLog(const wchar_t* description, bool is_main_thread) = 0;
+  virtual void SetXorKey(const char* key) = 0;
+  virtual void SetMergedNameTag(const wchar_t* tag) = 0;
+};
+
+class IErrorApi : public CSelfFree {
+ public:
+  virtual void AddError(uint32_t code, const wchar_t* source, const wchar_t* format, __builtin_va_list arguments) = 0;
+  virtual uint32_t GetErrors(wchar_t* buffer, uint64_t* size) = 0;
 };

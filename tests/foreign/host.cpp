@@ -23,7 +23,11 @@ struct Entry {
   const char* key;
   uint64_t value;
 };
-Entry store[] = {{"SelfFree_Decrypter", 0}, {"SelfFree_LoggerApi", 0}, {"int_Allowed", 0}, {"int_Answer", 42}};
+Entry store[] = {{"SelfFree_Decrypter", 0},
+                 {"SelfFree_LoggerApi", 0},
+                 {"SelfFree_ErrorApi", 0},
+                 {"int_Allowed", 0},
+                 {"int_Answer", 42}};
 
 Entry* find(const char* key) {
   for (Entry& entry : store) {
@@ -32,6 +36,10 @@ Entry* find(const char* key) {
   return nullptr;
 }
 
+template <class T>
+T* get(const char* key) {
+  return reinterpret_cast<T*>(static_cast<uintptr_t>(find(key)->value));
+}
 template <class T>
 void put(const char* key, T* object) {
   find(key)->value = static_cast<uint64_t>(reinterpret_cast<uintptr_t>(object));
@@ -128,6 +136,43 @@ void drive_jump(void* library, uintptr_t key) {
   delete jump;  // The destructor's slot, with the flag that frees the memory.
 }
 
+void add_error(IErrorApi* errors, uint32_t code, const wchar_t* source, const wchar_t* format, ...) {
+  __builtin_va_list arguments;
+  __builtin_va_start(arguments, format);
+  errors->AddError(code, source, format, arguments);
+  __builtin_va_end(arguments);
+}
+
+/// The command puts the library's own log and error text; both are used and released by their slots.
+void drive_logger(void* library, uintptr_t key) {
+  CInstallCommand* const command = make(library, "GetCLoggerCommand");
+  Ciphered label, crypt, length;
+  const Pair pairs[] = {{L"label", cipher(key, "foreign", label)},
+                        {L"crypt", cipher(key, "AES", crypt)},
+                        {L"length", cipher(key, "256", length)},
+                        {nullptr, nullptr}};
+  check(load(command, pairs) == 0 && command->Execute(0, 0) == 0, "the log is up");
+  auto* const errors = get<IErrorApi>("SelfFree_ErrorApi");
+  wchar_t text[64];
+  uint64_t size = 0;
+  check(errors->GetErrors(text, &size) == 122 && size == 1, "no text yet");
+  add_error(errors, 31, L"host", L"%i %s", 7, L"times");
+  size = 64;
+  check(errors->GetErrors(text, &size) == 0 && ::same(text, L"Error: 0x1F|host|7 times\n"), "the error's line");
+  errors->SelfFree();
+  auto* const log = get<ILoggerApi>("SelfFree_LoggerApi");
+  log->WriteLine(L"from another ABI\n");
+  log->SetMergedNameTag(L"abi.");
+  log->SelfFree();
+  FoundFile found;
+  check(SetCurrentDirectoryW(L"C:\\ProgramData") != 0, "the logs' folder");
+  void* const search = FindFirstFileW(L"foreign.abi.*.kyinstall.v2.bin", &found);
+  check(reinterpret_cast<intptr_t>(search) != -1, "the merged log");
+  FindClose(search);
+  check(DeleteFileW(found.name) != 0, "nobody holds the log");
+  command->SelfFree();
+}
+
 }  // namespace
 
 extern "C" __declspec(dllexport) uint64_t Get(const char* key) {
@@ -155,6 +200,7 @@ extern "C" void host_main() {
   drive_jump(library, decrypter->key);
   check(converter.conversions >= 6 && converter.others == 0, "the converter's slot");
   check(logger.records > 0, "the logger's slots");
+  drive_logger(library, decrypter->key);
   decrypter->SelfFree();
   check(FreeLibrary(library) != 0, "the library unloads");
   if (failures == 0) say("all checks hold\n");

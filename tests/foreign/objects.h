@@ -124,6 +124,9 @@ class CountingLogger final : public ILoggerApi {
  public:
   void WriteFormatted(const wchar_t*, __builtin_va_list) override { ++records; }
   void WriteLine(const wchar_t*) override { ++records; }
+  void StartThreadLog(const wchar_t*, bool) override {}
+  void SetXorKey(const char*) override {}
+  void SetMergedNameTag(const wchar_t*) override {}
 
   int32_t records = 0;
 };

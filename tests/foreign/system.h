@@ -13,6 +13,15 @@ KY_SYSTEM int32_t HeapFree(void* heap, uint32_t flags, void* memory);
 KY_SYSTEM wchar_t* GetCommandLineW();
 KY_SYSTEM void* GetStdHandle(uint32_t which);
 KY_SYSTEM int32_t WriteFile(void* file, const void* bytes, uint32_t size, uint32_t* written, void* overlapped);
+/// WIN32_FIND_DATAW, as far as it is looked at.
+struct FoundFile {
+  uint8_t facts[44];
+  wchar_t name[274];
+};
+KY_SYSTEM void* FindFirstFileW(const wchar_t* pattern, FoundFile* found);
+KY_SYSTEM int32_t FindClose(void* search);
+KY_SYSTEM int32_t SetCurrentDirectoryW(const wchar_t* path);
+KY_SYSTEM int32_t DeleteFileW(const wchar_t* path);
 KY_SYSTEM void* LoadLibraryW(const wchar_t* path);
 KY_SYSTEM void* GetProcAddress(void* module, const char* name);
 KY_SYSTEM int32_t FreeLibrary(void* module);

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <sstream>
 
 #include "installer/utils/base/strings/utf8.h"
 #include "platform/desk/desk.h"
@@ -14,6 +15,7 @@
 #include "tests/scenario/laid_out.h"
 #include "tests/scenario/programs.h"
 #include "tests/scenario/samples.h"
+#include "tests/support/temporary_folder.h"
 
 namespace scenario {
 namespace {
@@ -34,11 +36,14 @@ picojson::value parse(const std::string& text) {
 }
 
 /// The document of a machine that a real prefix can be laid out like: nobody holds a file, and there are no links,
-/// which Wine does not make.
+/// which Wine does not make. Nothing runs on it but the script's own process: the layout has files without programs in
+/// them, and a process that hangs or cannot be opened is nothing that a layout could start. real_processes_test.cpp
+/// closes real ones.
 std::string alike(const std::string& file) {
   picojson::value document = parse(read_text(source_path("samples/machines/" + file)));
   picojson::array& files = document.get<picojson::object>()["files"].get<picojson::array>();
   const auto is_link = [](const picojson::value& row) { return row.contains("link"); };
+  document.get<picojson::object>().erase("processes");
   files.erase(std::remove_if(files.begin(), files.end(), is_link), files.end());
   for (picojson::value& row : files) {
     for (const char* const member : {"open", "running", "protected"}) row.get<picojson::object>().erase(member);
@@ -120,6 +125,63 @@ INSTANTIATE_TEST_SUITE_P(Each, RealRuns, testing::ValuesIn(runnable()),
                            std::replace(name.begin(), name.end(), '-', '_');
                            return name;
                          });
+
+/// What log.txt tells behind each line's time and thread, which differ from run to run, without the line that begins
+/// the thread; in lower case, since worlds differ in the case of the system's folders.
+std::vector<std::string> messages_in(const std::string& log) {
+  std::vector<std::string> messages;
+  std::istringstream lines(log);
+  for (std::string line; std::getline(lines, line);) {
+    if (line.find("====") != std::string::npos) continue;
+    std::string& message = messages.emplace_back(line.substr(line.find(' ', line.find("] ") + 2) + 1));
+    for (char& c : message) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c;
+  }
+  return messages;
+}
+
+class RealRun : public testing::Test {
+ protected:
+  int run(std::vector<std::string> more) {
+    std::vector<std::string> arguments = {"run", "--script", script_, "--out", out_.path()};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return run_program(desk_path(KY_PROGRAM), arguments);
+  }
+  /// The run's log files in the folder, once there is one.
+  std::vector<std::string> logs() {
+    std::vector<std::string> names;
+    EXPECT_EQ(desk::list_files(out_.path(), names), "");
+    std::erase_if(names, [](const std::string& name) { return !name.starts_with("kysample."); });
+    return names;
+  }
+
+  const std::string script_ = source_path("samples/scripts/logging.xml");
+  support::TemporaryFolder out_;
+};
+
+TEST_F(RealRun, ShowsTheSealedLogToWhoeverHasThePrivateKeyAsTheRehearsalDoes) {
+  EXPECT_EQ(run({"--key", source_path("keys/development/log-private.pem")}), 0);
+  const std::string rehearsed = output_folder("run-log");
+  EXPECT_EQ(run_program(desk_path(KY_PROGRAM), {"rehearse", "--machine", source_path("samples/machines/workshop.json"),
+                                                "--script", script_, "--out", rehearsed}),
+            0);
+  const std::string log = read_text(out_ / "log.txt");
+  EXPECT_EQ(log.substr(0, 1), "[");
+  EXPECT_NE(log.find("(Installer main thread) on "), std::string::npos) << log;
+  const std::vector<std::string> messages = messages_in(log);
+  EXPECT_EQ(messages, messages_in(read_text(desk::join(rehearsed, "log.txt"))));
+  EXPECT_GE(messages.size(), 3U) << log;
+  ASSERT_EQ(logs().size(), 1U);
+  EXPECT_TRUE(logs().front().ends_with(".kyinstall.v2.bin"));
+}
+
+TEST_F(RealRun, LeavesNothingInTheClearWithoutThePrivateKey) {
+  EXPECT_EQ(run({}), 0);
+  EXPECT_FALSE(desk::exists(out_ / "log.txt"));
+  ASSERT_EQ(logs().size(), 1U);
+  const std::string bytes = read_text(out_ / logs().front().c_str());
+  EXPECT_EQ(bytes.substr(0, 4), std::string("\x80\0\0\0", 4));
+  EXPECT_EQ(bytes.find("Begin"), std::string::npos);
+}
 
 const std::vector<std::wstring> folders = {L"C:\\Program Files", L"C:\\Program Files (x86)", L"C:\\ProgramData",
                                            L"C:\\Users\\Public", L"C:\\Users\\anna"};

@@ -22,6 +22,7 @@ inline const std::vector<Sample>& samples() {
   static const std::vector<Sample> all = {
       {"edition-whole", "suite-installed", "", 0},
       {"edition-nothing", "nothing-installed", "", 0},
+      {"closing", "workshop", "closing", 0},
       {"conditions", "workshop", "conditions", 0},
       {"deletions", "workshop", "deletions", 0},
       {"documents", "workshop", "documents", 0},

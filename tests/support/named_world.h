@@ -47,7 +47,7 @@ class NamedWorld {
     where.parts.pop_back();
     machine::FileNode made;
     made.attributes = attributes;
-    made.bytes.assign(content.begin(), content.end());
+    made.bytes = std::vector<std::uint8_t>(content.begin(), content.end());
     made.size = made.bytes.size();
     machine::add_node(state.files, machine::make_folders(state.files, where), name, std::move(made));
     return *this;

@@ -111,7 +111,8 @@ class CommandLine {
     app.add_option("--max-steps", rehearse_.max_steps, "Steps after which a run that goes on is stopped")
         ->check(CLI::Range(std::uint64_t{1}, max_max_steps, "NUMBER"))
         ->capture_default_str();
-    app.footer("What follows \"--\" is the command line that the script sees.");
+    take_name(app, "--parent", rehearse_.parent, "Command line of the process that started the run [the machine's]");
+    app.footer("What follows \"--\" is the command line that the script sees [the machine's].");
     app.parse_complete_callback([this] { choose(rehearse_); });
   }
 

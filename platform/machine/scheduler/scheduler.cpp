@@ -48,7 +48,8 @@ std::uint32_t Scheduler::wait(Waitables objects, bool all, std::uint32_t timeout
   const bool may_yield = ports::locks_held == 0;
   const ports::Lock lock(mutex_);
   catch_up();
-  const ThreadId id = member();
+  // Who tells of a stall may still ask how things stand.
+  const ThreadId id = timeout == 0 && stalling_ ? current() : member();
   if (const auto result = core_.wait(id, objects, all, timeout)) {
     spin(may_yield);
     return *result;

@@ -94,7 +94,8 @@ class Scheduler {
 
   [[nodiscard]] Milliseconds now();
 
-  /// WaitForMultipleObjects without its checks: `ports::wait_result`. Aborts on a thread that is not the machine's.
+  /// WaitForMultipleObjects without its checks: `ports::wait_result`. Aborts on a thread that is not the machine's,
+  /// and on one that handles a stall, which may only ask how things stand, with no time to wait.
   [[nodiscard]] std::uint32_t wait(Waitables objects, bool all, std::uint32_t timeout);
   /// 0 lets the other ready threads run first.
   void sleep(std::uint32_t milliseconds);

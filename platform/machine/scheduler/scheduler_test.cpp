@@ -101,16 +101,18 @@ TEST(Scheduler, ThreeMinutesCostNothing) {
 TEST(Scheduler, ADeadlockNamesTheThreadsAndFailsTheirWaits) {
   std::wstring told;
   Milliseconds at = 0;
+  const auto never = event();
+  std::uint32_t asked = 0;
   SchedulerOptions options;
   Scheduler* machine = nullptr;
   options.on_stall = [&](const std::wstring& why) {
     told = why;
     at = machine->now();
+    asked = wait_one(*machine, never, 0);
   };
   Scheduler scheduler(options);
   machine = &scheduler;
   const Scheduler::Entered entered(scheduler, 4);
-  const auto never = event();
   std::uint32_t result = 0;
   const auto end = start(scheduler, 8, [&] {
     scheduler.sleep(250);
@@ -120,6 +122,7 @@ TEST(Scheduler, ADeadlockNamesTheThreadsAndFailsTheirWaits) {
   EXPECT_EQ(wait_one(scheduler, end), wait_result::object_0);
   EXPECT_EQ(result, wait_result::failed);
   EXPECT_EQ(at, 250u);
+  EXPECT_EQ(asked, wait_result::timeout);
   EXPECT_NE(told.find(L"thread 4 (main) waits for thread 8 (worker) without limit"), std::wstring::npos);
   EXPECT_NE(told.find(L"thread 8 (worker) waits for event 'test' without limit"), std::wstring::npos);
   EXPECT_EQ(scheduler.stall(), told);

@@ -124,7 +124,7 @@ bool XPathTrial::parses(const std::string& xpath) {
     }
   }
   if (document_->empty()) return true;
-  host::NodeOwner found(xml_);
+  ports::NodeOwner found(xml_);
   return xml_.select_single_node(document_->get(), base::strings::to_wide(xpath).c_str(), found.receive()) >= 0;
 }
 

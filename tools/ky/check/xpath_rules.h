@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "host/script/xml_owner.h"
 #include "platform/ports/xml.h"
+#include "platform/ports/xml_owner.h"
 #include "tools/ky/check/key_traffic.h"
 #include "tools/ky/check/rules.h"
 
@@ -21,7 +21,7 @@ class XPathTrial {
 
  private:
   ports::Xml& xml_;
-  std::optional<host::NodeOwner> document_;
+  std::optional<ports::NodeOwner> document_;
 };
 
 /// Whether a command's XPaths parse, and what their brackets are taken for. `traffic` is the command's and knows its

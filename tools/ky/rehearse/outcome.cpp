@@ -33,6 +33,21 @@ const char* to_text(record::LogFate fate) {
   return "";
 }
 
+ProcessEnd end_of(const record::SeenProcess& process) {
+  if (process.terminated) return {ProcessFate::terminated};
+  if (process.let_go) return {ProcessFate::not_ours};
+  if (process.opened) {
+    return process.runs ? ProcessEnd{ProcessFate::still_runs, process.terminate_error} : ProcessEnd{};
+  }
+  // One that was recognised was asked to close, even where it could not be opened.
+  const bool asked = !process.path.empty();
+  if (process.open_error != 0) {
+    return asked && !process.runs ? ProcessEnd{} : ProcessEnd{ProcessFate::not_opened, process.open_error};
+  }
+  if (!asked) return {ProcessFate::unreadable, process.path_error};
+  return {ProcessFate::not_ours};
+}
+
 bool went_well(const Outcome& outcome) {
   return outcome.return_code == 0 && outcome.ended_early.empty() && !outcome.stopped;
 }

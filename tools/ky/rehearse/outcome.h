@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/record/change.h"
+#include "platform/record/seen_process.h"
 
 namespace rehearsal {
 
@@ -45,6 +46,7 @@ struct Outcome {
   std::vector<record::Action> actions;
   std::vector<record::Deletion> deletions;
   std::vector<record::LogFile> logs;
+  std::vector<record::SeenProcess> processes;
 };
 
 /// What became of a thing that was to be deleted.
@@ -52,6 +54,22 @@ enum class Fate { removed, absent, remains };
 [[nodiscard]] Fate fate_of(const record::Deletion& deletion);
 [[nodiscard]] const char* to_text(Fate fate);
 [[nodiscard]] const char* to_text(record::LogFate fate);
+
+/// What became of a process that was to be closed, or was looked at for it.
+enum class ProcessFate {
+  closed,      // it ended by itself, within its time
+  terminated,  // it did not
+  // What was left alone, and why.
+  not_ours,    // another file
+  unreadable,  // its path was not told
+  not_opened,
+  still_runs,  // it could not be terminated
+};
+struct ProcessEnd {
+  ProcessFate fate = ProcessFate::closed;
+  ports::ErrorCode code = 0;  // of what failed
+};
+[[nodiscard]] ProcessEnd end_of(const record::SeenProcess& process);
 
 /// True when the run came to its end with return code 0.
 [[nodiscard]] bool went_well(const Outcome& outcome);

@@ -5,6 +5,7 @@
 #include <ostream>
 
 #include "diagnostics/reader/session_key.h"
+#include "installer/utils/base/strings/utf8.h"
 #include "platform/desk/desk.h"
 #include "platform/machine/document.h"
 #include "platform/machine/machine.h"
@@ -25,22 +26,24 @@ namespace {
 
 constexpr std::uintmax_t machine_size_limit = 64u << 20;
 
-/// Loads the machine; `on_stop` is called where its process would stop, and does not return.
-std::unique_ptr<machine::Machine> load_machine(const RehearseOptions& options,
-                                               std::function<void(const ports::StopReason&)> on_stop) {
+machine::State load_state(const RehearseOptions& options) {
   std::string text;
   if (const std::string reason = desk::read_file(options.machine, machine_size_limit, text); !reason.empty()) {
     throw BadInput(reason);
   }
+  try {
+    return machine::read_document(text, options.machine);
+  } catch (const machine::DocumentError& error) {
+    throw BadInput(error.what());
+  }
+}
+
+machine::Options machine_options(const RehearseOptions& options, machine::StopHandler on_stop) {
   machine::Options how;
   how.max_steps = options.max_steps;
   how.on_stop = std::move(on_stop);
   how.log_folder = options.out;
-  try {
-    return machine::Machine::from_json(text, options.machine, std::move(how));
-  } catch (const machine::DocumentError& error) {
-    throw BadInput(error.what());
-  }
+  return how;
 }
 
 void add_document(machine::Machine& world, std::uint16_t id, std::string_view bytes) {
@@ -64,7 +67,13 @@ std::vector<std::string> written_through(const rehearsal::Outcome& outcome, rehe
 
 int rehearse(const RehearseOptions& options, std::ostream& out, std::ostream& err) {
   std::function<void(const ports::StopReason&)> on_stop;
-  const auto world = load_machine(options, [&on_stop](const ports::StopReason& reason) { on_stop(reason); });
+  machine::State state = load_state(options);
+  const auto parent = state.environment.parent;
+  if (options.parent) {
+    state.environment.parent = rehearsal::with_line(parent, base::strings::to_wide(*options.parent));
+  }
+  const auto world = std::make_unique<machine::Machine>(
+      std::move(state), machine_options(options, [&on_stop](const ports::StopReason& reason) { on_stop(reason); }));
   const auto engines = ports::make_engines(world->errors());
   const auto source = rehearsal::script_source(options.script, options.script_key, engines->cipher());
   add_document(*world, edition::script_id, source.bytes);
@@ -82,7 +91,11 @@ int rehearse(const RehearseOptions& options, std::ostream& out, std::ostream& er
     rehearsal::know_keys_of(cng, keys);
     return rehearsal::clear_text_of(written_through(outcome, folder), &keys, err);
   });
-  report.add_file("machine.json", [&world] { return world->to_json(); });
+  report.add_file("machine.json", [&world, &parent] {
+    // A line that was given is for this run alone, like the switches.
+    world->change([&parent](machine::State& left) { left.environment.parent = parent; });
+    return world->to_json();
+  });
   on_stop = [&](const ports::StopReason& reason) {
     report.finish(run.stopped(reason));
     std::_Exit(EXIT_FAILURE);

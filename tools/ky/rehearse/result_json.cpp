@@ -61,6 +61,40 @@ value from_log(const record::LogFile& log) {
   return value(object{{"path", value(to_utf8(log.path))}, {"fate", value(to_text(log.fate))}});
 }
 
+struct ProcessWords {
+  const char* fate;
+  const char* reason;
+};
+
+ProcessWords words_of(ProcessFate fate) {
+  switch (fate) {
+    case ProcessFate::closed:
+      return {"closed", nullptr};
+    case ProcessFate::terminated:
+      return {"terminated", nullptr};
+    case ProcessFate::not_ours:
+      return {"left-alone", "another-file"};
+    case ProcessFate::unreadable:
+      return {"left-alone", "path-unreadable"};
+    case ProcessFate::not_opened:
+      return {"left-alone", "not-opened"};
+    case ProcessFate::still_runs:
+      return {"left-alone", "still-runs"};
+  }
+  return {"", nullptr};
+}
+
+value from_process(const record::SeenProcess& process) {
+  const ProcessEnd end = end_of(process);
+  const ProcessWords words = words_of(end.fate);
+  return value(object{{"id", number(process.id)},
+                      {"name", value(to_utf8(process.name))},
+                      {"path", process.path.empty() ? value() : value(to_utf8(process.path))},
+                      {"fate", value(words.fate)},
+                      {"reason", words.reason == nullptr ? value() : value(words.reason)},
+                      {"code", number(end.code)}});
+}
+
 value from_globals(const std::map<std::string, GlobalValue>& globals) {
   object out;
   for (const auto& [name, held] : globals) {
@@ -97,6 +131,7 @@ std::string to_json(const Outcome& outcome) {
       {"actions", list(outcome.actions, from_action)},
       {"deletions", list(outcome.deletions, from_deletion)},
       {"logs", list(outcome.logs, from_log)},
+      {"processes", list(outcome.processes, from_process)},
   });
   return document.serialize(true);
 }

@@ -129,6 +129,7 @@ void ScriptRun::gather_changes(Outcome& outcome) const {
   outcome.actions = recorder_.actions();
   outcome.deletions = recorder_.deletions();
   outcome.logs = recorder_.logs();
+  outcome.processes = recorder_.processes();
   for (const record::Deletion& asked : asked_for_) {
     const bool seen = std::any_of(outcome.deletions.begin(), outcome.deletions.end(), [&asked](const auto& deletion) {
       return base::strings::equal_ignoring_case(deletion.path, asked.path);

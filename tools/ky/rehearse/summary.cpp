@@ -83,6 +83,47 @@ void print_deletions(const Outcome& outcome, Fate fate, const char* heading, std
   }
 }
 
+std::string reason_of(const ProcessEnd& end) {
+  const auto with_code = [&end](const char* text) {
+    return end.code == 0 ? std::string(text) : text + (", error " + std::to_string(end.code));
+  };
+  switch (end.fate) {
+    case ProcessFate::not_ours:
+      return "another file of that name";
+    case ProcessFate::unreadable:
+      return with_code("its path cannot be read");
+    case ProcessFate::not_opened:
+      return with_code("it cannot be opened");
+    case ProcessFate::still_runs:
+      return with_code("it still runs");
+    case ProcessFate::closed:
+    case ProcessFate::terminated:
+      break;
+  }
+  return {};
+}
+
+void print_processes(const Outcome& outcome, const char* heading, bool (*wanted)(ProcessFate), std::ostream& out) {
+  const char* indent = heading;
+  for (const record::SeenProcess& process : outcome.processes) {
+    const ProcessEnd end = end_of(process);
+    if (!wanted(end.fate)) continue;
+    out << indent << to_utf8(process.path.empty() ? process.name : process.path);
+    if (const std::string reason = reason_of(end); !reason.empty()) out << "  (" << reason << ")";
+    out << '\n';
+    indent = "               ";
+  }
+}
+
+void print_all_processes(const Outcome& outcome, std::ostream& out) {
+  print_processes(
+      outcome, "  Closed       ", [](ProcessFate fate) { return fate == ProcessFate::closed; }, out);
+  print_processes(
+      outcome, "  Terminated   ", [](ProcessFate fate) { return fate == ProcessFate::terminated; }, out);
+  const auto left = [](ProcessFate fate) { return fate != ProcessFate::closed && fate != ProcessFate::terminated; };
+  print_processes(outcome, "  Left alone   ", left, out);
+}
+
 void print_end(const Outcome& outcome, std::ostream& out) {
   if (outcome.stopped) {
     out << "  Stopped      at " << outcome.stopped->index << ": " << outcome.stopped->command << ": "
@@ -101,6 +142,7 @@ void print_summary(const SummaryFrame& frame, const Outcome& outcome, std::ostre
   for (const record::Action& action : outcome.actions) {
     out << "  Done         " << action.kind << ": " << to_utf8(action.text) << '\n';
   }
+  print_all_processes(outcome, out);
   print_deletions(outcome, Fate::removed, "  Removed      ", out);
   print_deletions(outcome, Fate::absent, "  Was absent   ", out);
   print_deletions(outcome, Fate::remains, "  Still there  ", out);

@@ -15,7 +15,8 @@ struct SummaryFrame {
   std::vector<std::string> files;  // their names in it
 };
 
-/// The run at a glance: commands run and skipped, changes by kind, each deletion and whether the thing was there, the
+/// The run at a glance: commands run and skipped, changes by kind, who was closed, terminated or left alone, each
+/// deletion and whether the thing was there, the
 /// return code and where the files lie. UTF-8.
 void print_summary(const SummaryFrame& frame, const Outcome& outcome, std::ostream& out);
 

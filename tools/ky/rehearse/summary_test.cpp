@@ -7,7 +7,7 @@
 namespace rehearsal {
 namespace {
 
-TEST(Summary, ShowsCommandsChangesDeletionsAndTheEnd) {
+TEST(Summary, ShowsCommandsChangesProcessesDeletionsAndTheEnd) {
   Outcome outcome;
   outcome.return_code = 1359;
   outcome.commands = {{0, "Nop", true, 0, 1}, {1, "RunCommand", true, 2, 2}, {2, "Jump", false, 0, 3}};
@@ -16,6 +16,20 @@ TEST(Summary, ShowsCommandsChangesDeletionsAndTheEnd) {
                      {"file", L"C:\\c", L"x", L"y"},
                      {"registry-key", L"HKEY_LOCAL_MACHINE\\a", L"", std::nullopt}};
   outcome.deletions = {{"file", L"C:\\a", 0, true}, {"file", L"C:\\n", 2, true}, {"folder", L"C:\\held", 32, false}};
+  record::SeenProcess process;
+  process.name = L"a.exe";
+  process.path_error = 5;
+  outcome.processes.push_back(process);  // its path cannot be read
+  process.path = L"C:\\a.exe";
+  outcome.processes.push_back(process);  // another file
+  process.open_error = 87;
+  outcome.processes.push_back(process);  // not opened, and still there
+  process.runs = false;
+  outcome.processes.push_back(process);  // not opened, and yet gone after it was asked
+  process.opened = process.runs = true;
+  outcome.processes.push_back(process);  // could not be terminated
+  process.terminated = true;
+  outcome.processes.push_back(process);
   outcome.stopped = Stop{7, "Jump", "no text"};
   std::ostringstream out;
   print_summary({"Title", "out", {"result.json", "log.txt"}}, outcome, out);
@@ -25,6 +39,12 @@ TEST(Summary, ShowsCommandsChangesDeletionsAndTheEnd) {
             "                 1: RunCommand gave 2\n"
             "  Changes      2 files removed, 1 file altered\n"
             "               1 registry key removed\n"
+            "  Closed       C:\\a.exe\n"
+            "  Terminated   C:\\a.exe\n"
+            "  Left alone   a.exe  (its path cannot be read, error 5)\n"
+            "               C:\\a.exe  (another file of that name)\n"
+            "               C:\\a.exe  (it cannot be opened, error 87)\n"
+            "               C:\\a.exe  (it still runs)\n"
             "  Removed      C:\\a\n"
             "  Was absent   C:\\n\n"
             "  Still there  C:\\held  (folder, error 32)\n"

@@ -27,6 +27,18 @@ std::wstring quoted(const std::wstring& argument) {
   return out + L"\"";
 }
 
+machine::RunningProgram with_line(const std::optional<machine::RunningProgram>& parent, const std::wstring& line) {
+  machine::RunningProgram program;
+  if (parent) {
+    program = *parent;
+  } else {
+    program.image = program_part(line);
+    std::erase(program.image, L'"');
+  }
+  program.command_line = line;
+  return program;
+}
+
 std::wstring SwitchedEnvironment::command_line() {
   std::wstring line = inner_.command_line();
   if (switches_.empty()) return line;

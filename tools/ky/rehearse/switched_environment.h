@@ -1,9 +1,11 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "platform/machine/running.h"
 #include "platform/ports/environment.h"
 
 namespace rehearsal {
@@ -30,5 +32,9 @@ class SwitchedEnvironment final : public ports::Environment {
 
 /// `argument` as it stands in a command line: in quotes where it holds a blank or is empty.
 [[nodiscard]] std::wstring quoted(const std::wstring& argument);
+
+/// The parent process with that command line; where there is none, one that runs the line's program.
+[[nodiscard]] machine::RunningProgram with_line(const std::optional<machine::RunningProgram>& parent,
+                                                const std::wstring& line);
 
 }  // namespace rehearsal

@@ -21,5 +21,16 @@ TEST(SwitchedEnvironment, QuotesWhatTheRuntimeWouldSplit) {
   EXPECT_EQ(quoted(L"a\\\"b"), L"\"a\\\\\\\"b\"");
 }
 
+TEST(SwitchedEnvironment, GivesTheParentALineOrMakesOne) {
+  machine::RunningProgram parent;
+  parent.image = L"C:\\a.exe";
+  parent.command_line = L"a /old";
+  EXPECT_EQ(with_line(parent, L"b /new").image, L"C:\\a.exe");
+  EXPECT_EQ(with_line(parent, L"b /new").command_line, L"b /new");
+  const machine::RunningProgram made = with_line({}, L"\"C:\\b c.exe\" /new");
+  EXPECT_EQ(made.image, L"C:\\b c.exe");
+  EXPECT_EQ(made.command_line, L"\"C:\\b c.exe\" /new");
+}
+
 }  // namespace
 }  // namespace rehearsal

@@ -1,5 +1,6 @@
 #include "installer/desktop/commands/base/decipher.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cwchar>
 #include <span>
@@ -16,21 +17,17 @@ namespace ky {
 
 namespace {
 
-void replace_all(wchar_t* text, std::size_t length, wchar_t from, wchar_t to) {
-  for (wchar_t* at = std::wmemchr(text, from, length); at != nullptr;
-       at = std::wmemchr(at, from, length - static_cast<std::size_t>(at - text))) {
-    *at = to;
-  }
+/// Differences instead of choices, so that several digits go at once.
+wchar_t standard(wchar_t digit) {
+  const auto turned = [digit](wchar_t from, wchar_t to) { return digit == from ? from ^ to : 0; };
+  return static_cast<wchar_t>(digit ^ turned(L'-', L'+') ^ turned(L'_', L'/') ^ turned(L'.', L'='));
 }
 
 /// Copies `value` without its first character into the staging buffer, in the standard alphabet; gives the length.
 std::uint32_t stage(Decrypter& decrypter, const wchar_t* value) {
   const std::size_t length = std::wcslen(value) - 1;
   if (length >= Decrypter::capacity) base::stop_invalid_parameter(L"decipher: value too long", value);
-  std::wmemcpy(decrypter.staging, value + 1, length + 1);
-  replace_all(decrypter.staging, length, L'-', L'+');
-  replace_all(decrypter.staging, length, L'_', L'/');
-  replace_all(decrypter.staging, length, L'.', L'=');
+  std::transform(value + 1, value + length + 2, decrypter.staging, standard);
   return static_cast<std::uint32_t>(length);
 }
 
