@@ -35,9 +35,9 @@ struct Recorder::Parts {
   RecordingLogStreams log_streams;
   RecordingRegistry registry;
   RecordingProcesses processes;
+  RecordingInspection inspection;
   RecordingTasks tasks;
   RecordingDrivers drivers;
-  RecordingInspection inspection;
   ports::System outer;
 };
 
