@@ -126,6 +126,13 @@ void Ledger::add_path_deletion(const std::string& kind, const std::wstring& path
   add_deletion(Subject::path, kind, plain_path(path), code, [this, path] { return look_at_path(inner_, path); });
 }
 
+void Ledger::add_move(const std::wstring& from, const std::wstring& to) {
+  const KeptError kept(inner_.errors);
+  if (paused()) return;
+  const ports::Lock lock(mutex_);
+  moves_.push_back({plain_path(from), plain_path(to)});
+}
+
 void Ledger::book(const std::wstring& path, std::wstring text) {
   const KeptError kept(inner_.errors);
   if (paused()) return;
@@ -243,6 +250,11 @@ std::vector<Change> Ledger::changes() const {
 std::vector<Action> Ledger::actions() const {
   const ports::Lock lock(mutex_);
   return actions_;
+}
+
+std::vector<Move> Ledger::moves() const {
+  const ports::Lock lock(mutex_);
+  return moves_;
 }
 
 std::vector<Deletion> Ledger::deletions() const {

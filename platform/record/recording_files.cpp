@@ -123,6 +123,7 @@ bool RecordingFiles::move(const wchar_t* from, const wchar_t* to, std::uint32_t 
   const bool delayed = (flags & ports::move_flag::delay_until_reboot) != 0;
   if (!delayed && from != nullptr && to != nullptr) watch_tree(from, to);
   const bool done = inner_.move(from, to, flags);
+  if (done && !delayed && from != nullptr && to != nullptr) ledger_.add_move(from, to);
   if (done && delayed) ledger_.book(from, to == nullptr ? L"delete" : L"move to " + plain_path(to));
   return done;
 }

@@ -23,7 +23,7 @@ inline const std::vector<Sample>& samples() {
       {"edition-whole", "suite-installed", "", 0},
       {"edition-nothing", "nothing-installed", "", 0},
       {"conditions", "workshop", "conditions", 0},
-      {"deletions", "workshop", "deletions", 0},
+      {"deletions", "workshop", "deletions", 3},
       {"documents", "workshop", "documents", 0},
       {"expressions", "workshop", "expressions", 0},
       {"jumps", "workshop", "jumps", 0},

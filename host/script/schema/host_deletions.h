@@ -31,6 +31,7 @@ inline constexpr ResultMeaning delete_folder_results[] = {
     {"1359", "another thread is inside the command"},
     {"other", "the error of the first thing that stays"},
 };
+inline constexpr TargetSchema delete_folder_targets[] = {{.kind = TargetKind::folder, .name = "path"}};
 inline constexpr CommandSchema delete_folder = {
     .name = "DeleteFolder",
     .log_name = "DeleteFolder",
@@ -45,6 +46,7 @@ What is booked for the next start goes by path at that time: book nothing below 
 change.)",
     .attributes = delete_folder_attributes,
     .results = delete_folder_results,
+    .targets = delete_folder_targets,
     .example = R"(<DeleteFolder path="[InstallPath]" recursive="1" deleteAfterReboot="1" moveToTemp="1"/>)",
 };
 
@@ -80,6 +82,8 @@ inline constexpr ResultMeaning delete_reg_key_results[] = {
     {"1359", "another thread is inside the command"},
     {"other", "the error of the first key that stays"},
 };
+inline constexpr TargetSchema delete_reg_key_targets[] = {
+    {.kind = TargetKind::registry_key, .name = "subkey", .root = "base"}};
 inline constexpr CommandSchema delete_reg_key = {
     .name = "DeleteRegKey",
     .log_name = "DeleteRegKey",
@@ -91,6 +95,7 @@ part of a key, so that a variable that turns out empty never widens a deletion; 
 no difference. [The host](../host.md#deletions) has all of it.)",
     .attributes = delete_reg_key_attributes,
     .results = delete_reg_key_results,
+    .targets = delete_reg_key_targets,
     .example = R"(<DeleteRegKey base="HKEY_LOCAL_MACHINE" subkey="SOFTWARE\Tavrine\" recursive="1"/>)",
 };
 
@@ -108,6 +113,8 @@ inline constexpr ResultMeaning delete_reg_value_results[] = {
     {"87", "the base or the key is refused"},         {"681", "there is a link on the way or at its end"},
     {"1359", "another thread is inside the command"}, {"other", "the error of the deletion"},
 };
+inline constexpr TargetSchema delete_reg_value_targets[] = {
+    {.kind = TargetKind::registry_value, .name = "value", .place = "subkey", .root = "base"}};
 inline constexpr CommandSchema delete_reg_value = {
     .name = "DeleteRegValue",
     .log_name = "DeleteRegValue",
@@ -116,6 +123,7 @@ inline constexpr CommandSchema delete_reg_value = {
     .remarks = "It follows no link. [The host](../host.md#deletions) has all of it.",
     .attributes = delete_reg_value_attributes,
     .results = delete_reg_value_results,
+    .targets = delete_reg_value_targets,
     .example =
         R"(<DeleteRegValue base="HKEY_LOCAL_MACHINE" subkey="SOFTWARE\Microsoft\Windows\CurrentVersion\Run" value="Tavrine"/>)",
 };

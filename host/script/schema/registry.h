@@ -49,6 +49,8 @@ run and stays as it is then; in a loop, later runs see the first run's values.)"
 inline constexpr KeyUse delete_ifeo_keys_keys[] = {
     {"String_IfeoExecutables", Access::reads, "the names of executables, without `.exe`, with `;` between them"},
 };
+inline constexpr TargetSchema delete_ifeo_keys_targets[] = {
+    {.kind = TargetKind::ifeo_keys, .name = "String_IfeoExecutables"}};
 inline constexpr CommandSchema delete_ifeo_keys = {
     .name = "DeleteIfeoKeys",
     .log_name = "DeleteIfeoKeys",
@@ -62,6 +64,7 @@ The log has no line with the next index for this command, and warns that the ind
 has run.)",
     .keys = delete_ifeo_keys_keys,
     .results = shape_results,
+    .targets = delete_ifeo_keys_targets,
     .example = R"(<DeleteIfeoKeys/>)",
 };
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/record/change.h"
+#include "tools/ky/receipt/target_book.h"
 
 namespace rehearsal {
 
@@ -45,6 +46,9 @@ struct Outcome {
   std::vector<record::Action> actions;
   std::vector<record::Deletion> deletions;
   std::vector<record::LogFile> logs;
+  std::vector<record::Move> moves;
+  /// What the script's deleting and closing commands name.
+  receipt::Named named;
 };
 
 /// What became of a thing that was to be deleted.

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/ky/receipt/receipt.h"
 #include "tools/ky/rehearse/outcome.h"
 
 namespace rehearsal {
@@ -16,7 +17,9 @@ struct SummaryFrame {
 };
 
 /// The run at a glance: commands run and skipped, changes by kind, each deletion and whether the thing was there, the
-/// return code and where the files lie. UTF-8.
-void print_summary(const SummaryFrame& frame, const Outcome& outcome, std::ostream& out);
+/// return code and where the files lie. A receipt, where there is one, stands for the deletions that failed: its
+/// counts, and each line of what is still there or could not be named. UTF-8.
+void print_summary(const SummaryFrame& frame, const Outcome& outcome, const receipt::Receipt* receipt,
+                   std::ostream& out);
 
 }  // namespace rehearsal

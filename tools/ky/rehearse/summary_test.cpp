@@ -18,7 +18,7 @@ TEST(Summary, ShowsCommandsChangesDeletionsAndTheEnd) {
   outcome.deletions = {{"file", L"C:\\a", 0, true}, {"file", L"C:\\n", 2, true}, {"folder", L"C:\\held", 32, false}};
   outcome.stopped = Stop{7, "Jump", "no text"};
   std::ostringstream out;
-  print_summary({"Title", "out", {"result.json", "log.txt"}}, outcome, out);
+  print_summary({"Title", "out", {"result.json", "log.txt"}}, outcome, nullptr, out);
   EXPECT_EQ(out.str(),
             "Title\n\n"
             "  Commands     2 run, 1 skipped; 1 with a result other than 0\n"
