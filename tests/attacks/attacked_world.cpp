@@ -125,6 +125,13 @@ void AttackedWorld::hard_link(const std::wstring& place, const std::wstring& tar
   });
 }
 
+void AttackedWorld::let_go(const std::wstring& place) {
+  world.change([&](machine::State& state) {
+    const machine::Found there = found(state.files, place);
+    if (there.error == 0) machine::drop_holds(state.files, there.node, 0);
+  });
+}
+
 void AttackedWorld::key_link(const std::wstring& place, const std::wstring& target) {
   world.change([&](machine::State& state) {
     machine::RegistryTree& tree = state.registry;
