@@ -77,6 +77,7 @@ std::wstring AttackedWorld::victim() {
 
 bool AttackedWorld::move_aside(const std::wstring& place) {
   if (inner.files.attributes(place.c_str()) == ports::file_attribute::invalid) return false;
+  let_go(place);
   const std::wstring aside = L"C:\\Aside\\" + std::wstring(machine::last_part(place));
   return inner.files.move(place.c_str(), aside.c_str(), 0);
 }

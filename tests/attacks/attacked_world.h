@@ -59,8 +59,6 @@ class AttackedWorld : public CommandWorld {
   /// The junction becomes a folder again.
   void take_back(const std::wstring& place, const std::wstring& target);
   void hard_link(const std::wstring& place, const std::wstring& target);
-  /// Whoever has the file open closes it.
-  void let_go(const std::wstring& place);
   /// `target` is below HKEY_LOCAL_MACHINE.
   void key_link(const std::wstring& place, const std::wstring& target);
 
@@ -70,6 +68,8 @@ class AttackedWorld : public CommandWorld {
   [[nodiscard]] std::size_t moments() const { return watch_.passed(); }
 
  private:
+  /// Whoever has the file open closes it.
+  void let_go(const std::wstring& place);
   [[nodiscard]] bool move_aside(const std::wstring& place);
 
   Moments watch_{world.errors()};

@@ -37,22 +37,6 @@ support::NamedWorld with_file_in_use() {
   return layout;
 }
 
-TEST(LeftOpen, WhatIsMovedToTempGoesByItsPath) {
-  const CommandWorld::Attributes moving = {{"path", "C:\\Data\\Suite"}, {"recursive", "1"}, {"moveToTemp", "1"}};
-  std::size_t moved = 0;
-  for (std::size_t moment = 1; moment <= 60; ++moment) {
-    AttackedWorld world(with_file_in_use());
-    (void)world.run_under("DeleteFolder", moving, {{moment, [&] {
-                                                      world.let_go(L"C:\\Data\\Suite\\In\\b.txt");
-                                                      world.junction_in_place(L"C:\\Data\\Suite\\In",
-                                                                              L"C:\\Victim\\Suite\\In");
-                                                    }}});
-    EXPECT_TRUE(world.system.files.exists(L"C:\\Victim\\Suite\\In\\Deep\\c.txt"));
-    if (!world.system.files.exists(L"C:\\Victim\\Suite\\In\\b.txt")) ++moved;
-  }
-  EXPECT_NE(moved, 0U) << "between the look and the move";
-}
-
 TEST(LeftOpen, WhatIsBookedForTheNextStartGoesByItsPath) {
   AttackedWorld world(with_file_in_use());
   EXPECT_EQ(
