@@ -30,11 +30,13 @@ TEST(CommandLine, EachSubcommandFillsItsOptions) {
                 .script_key,
             "k");
 
-  const auto rehearse = options_of<workbench::RehearseOptions>(
-      {"rehearse", "--machine", "m", "--max-steps", "5", "--out", "o", "--", "/silent", "--", "--help", ""});
+  const auto rehearse =
+      options_of<workbench::RehearseOptions>({"rehearse", "--machine", "m", "--max-steps", "5", "--out", "o",
+                                              "--receipt", "r", "--", "/silent", "--", "--help", ""});
   EXPECT_EQ(rehearse.machine, "m");
   EXPECT_FALSE(rehearse.script.has_value());
   EXPECT_EQ(rehearse.out, "o");
+  EXPECT_EQ(rehearse.receipt, "r");
   EXPECT_EQ(rehearse.max_steps, 5U);
   EXPECT_EQ(rehearse.switches, (std::vector<std::string>{"/silent", "--", "--help", ""}));
   EXPECT_EQ(options_of<workbench::RehearseOptions>({"rehearse", "--machine", "m"}).max_steps, 1'000'000U);

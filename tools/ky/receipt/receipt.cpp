@@ -147,8 +147,9 @@ class Reason {
       row_.reason = L"its command was skipped";
     } else {
       row_.code = furthest->result;
-      row_.reason = row_.code == 0 ? L"its command ran and noted no failure"
-                                   : L"its command gave " + with_message(row_.code, evidence_);
+      row_.reason = row_.code != 0        ? L"its command gave " + with_message(row_.code, evidence_)
+                    : thing_.note.empty() ? L"its command ran and noted no failure"
+                                          : L"its command ran";
     }
   }
 

@@ -180,9 +180,15 @@ Sight Scene::look_at_process(const Target& target) const {
     if (target.kind == TargetKind::process_name) return name_of(process).starts_with(target.path);
     return equal_ignoring_case(process.image, target.path) || (file != 0 && file_of(process.image) == file);
   };
-  const auto found = std::find_if(state_.processes.begin(), state_.processes.end(), matches);
-  if (found == state_.processes.end()) return {};
-  return {true, L"process " + std::to_wstring(found->id) + L" of '" + found->image + L"' runs"};
+  Sight sight;
+  const auto add = [&](const machine::RunningProgram& process) {
+    if (!matches(process)) return;
+    sight.there = true;
+    sight.note += (sight.note.empty() ? L"" : L", ") + (L"'" + process.image) + L"' runs";
+  };
+  for (const machine::RunningProgram& process : state_.processes) add(process);
+  if (state_.environment.parent) add(*state_.environment.parent);
+  return sight;
 }
 
 std::wstring under_own_name(std::wstring_view path) {
