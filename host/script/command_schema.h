@@ -55,7 +55,8 @@ struct AttributeSchema {
 struct KeyUse {
   std::string_view key{};  // with prefix
   Access access = Access::reads;
-  std::string_view meaning{};  // one sentence, when and what
+  std::string_view meaning{};     // one sentence, when and what
+  bool may_be_unwritten = false;  // read, and as good without: no check looks for what puts it
 };
 
 /// A result or return code, and when.

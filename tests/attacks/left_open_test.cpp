@@ -125,6 +125,18 @@ TEST(LeftOpen, AHiveIsMountedFromWhereItsPathLeads) {
   }
 }
 
+TEST(LeftOpen, WhatIsBehindALinkCountsAsThere) {
+  AttackedWorld world;
+  world.junction(L"C:\\Data", L"C:\\Victim");
+  world.key_link(L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Data", L"SOFTWARE\\Victim");
+  EXPECT_EQ(world.run_under("PathExists", {{"path", "C:\\Data\\Suite"}, {"variable", "Path"}}), 0U);
+  EXPECT_EQ(world.run_under("RegKeyExists",
+                            {{"base", "HKEY_LOCAL_MACHINE"}, {"subkey", "SOFTWARE\\Data\\Suite"}, {"variable", "Key"}}),
+            0U);
+  EXPECT_EQ(world.get_int("Path"), 1);
+  EXPECT_EQ(world.get_int("Key"), 1);
+}
+
 TEST(LeftOpen, AUserMayHideKeysBehindALinkInTheirHive) {
   AttackedWorld world;
   const std::wstring before = world.victim();

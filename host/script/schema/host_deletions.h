@@ -68,6 +68,12 @@ inline constexpr AttributeSchema registry_subkey = {
     .meaning = "The key below the root; below `HKEY_USERS` one that begins with `*\\` stands below each user's key.",
 };
 
+inline constexpr KeyUse delete_registry_keys[] = {
+    {.key = "int_x64",
+     .meaning = "not 0: the key is looked for in the view of 64-bit programs, as by `RegKeyExists`",
+     .may_be_unwritten = true},
+};
+
 inline constexpr AttributeSchema delete_reg_key_attributes[] = {
     registry_root,
     registry_subkey,
@@ -92,8 +98,10 @@ inline constexpr CommandSchema delete_reg_key = {
     .remarks =
         R"(It follows no link. Hives and the great branches that products lie below are refused, and so is an empty
 part of a key, so that a variable that turns out empty never widens a deletion; a closing backslash makes
-no difference. [The host](../host.md#deletions) has all of it.)",
+no difference. What 32-bit programs see goes by the path where it lies, `SOFTWARE\Wow6432Node\...`, in an
+element of its own. [The host](../host.md#deletions) has all of it.)",
     .attributes = delete_reg_key_attributes,
+    .keys = delete_registry_keys,
     .results = delete_reg_key_results,
     .targets = delete_reg_key_targets,
     .example = R"(<DeleteRegKey base="HKEY_LOCAL_MACHINE" subkey="SOFTWARE\Tavrine\" recursive="1"/>)",
@@ -120,8 +128,11 @@ inline constexpr CommandSchema delete_reg_value = {
     .log_name = "DeleteRegValue",
     .owner = Owner::host,
     .summary = "Deletes a registry value.",
-    .remarks = "It follows no link. [The host](../host.md#deletions) has all of it.",
+    .remarks =
+        R"(It follows no link. What 32-bit programs see goes by the path where it lies, `SOFTWARE\Wow6432Node\...`, in
+an element of its own. [The host](../host.md#deletions) has all of it.)",
     .attributes = delete_reg_value_attributes,
+    .keys = delete_registry_keys,
     .results = delete_reg_value_results,
     .targets = delete_reg_value_targets,
     .example =

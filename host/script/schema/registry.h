@@ -23,7 +23,9 @@ inline constexpr AttributeSchema reg_key_exists_attributes[] = {
      .meaning = "The variable that receives 1 where the key is there; otherwise it stays as it is."},
 };
 inline constexpr KeyUse reg_key_exists_keys[] = {
-    {"int_x64", Access::reads, "not 0: the key is looked for in the view of 64-bit programs"},
+    {.key = "int_x64",
+     .meaning = "not 0: the key is looked for in the view of 64-bit programs",
+     .may_be_unwritten = true},
 };
 inline constexpr ResultMeaning reg_key_exists_results[] = {
     {"0", "also where the key is absent"},
