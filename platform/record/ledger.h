@@ -92,7 +92,6 @@ class Ledger {
     bool written;
   };
   struct Attempt {
-    Id id;
     Deletion deletion;
     Look look;
     std::optional<bool> settled{};

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <tuple>
+#include <utility>
 
 #include "installer/utils/base/strings/case_fold.h"
 #include "platform/ports/codes.h"
+#include "platform/record/paths.h"
 
 namespace receipt {
 
@@ -29,20 +31,15 @@ bool in_same_tree(const record::Deletion& deletion, TargetKind kind) {
   return is_path(kind);
 }
 
-/// How deletions name it.
+/// How the run's notes name it.
 std::wstring noted_name(const Target& target) {
-  std::wstring path = target.path;
-  while (path.size() > 3 && path.ends_with(L'\\')) path.pop_back();
+  if (is_process(target.kind)) return target.path;
+  std::wstring path = record::plain_path(target.path);
   if (target.kind == TargetKind::task && !path.starts_with(L'\\')) path.insert(0, 1, L'\\');
   if (target.kind == TargetKind::registry_value) {
     path.append(1, L'\\').append(target.value.empty() ? L"(default)" : target.value);
   }
   return path;
-}
-
-bool lies_below(const std::wstring& path, const std::wstring& folder) {
-  return path.size() > folder.size() && path[folder.size()] == L'\\' &&
-         equal_ignoring_case(path.substr(0, folder.size()), folder);
 }
 
 bool failed(const record::Deletion& deletion) {
@@ -59,14 +56,22 @@ std::wstring with_message(ports::ErrorCode code, const Evidence& evidence) {
   return message.empty() ? text : text + L", " + message;
 }
 
+bool meant(const Closing& closing, const Target& target) {
+  return target.kind == TargetKind::process_name ? closing.name.starts_with(target.path)
+                                                 : equal_ignoring_case(closing.path, target.path);
+}
+
+}  // namespace
+
 /// Decides about one thing that is still there.
-class Reason {
+class Findings::Reason {
  public:
-  Reason(const Thing& thing, const Evidence& evidence, Row& row)
-      : thing_(thing), evidence_(evidence), name_(noted_name(thing.target)), row_(row) {}
+  Reason(const Findings& findings, const Thing& thing, Row& row)
+      : findings_(findings), thing_(thing), name_(noted_name(thing.target)), row_(row) {}
 
   void find() {
-    if (is_process(thing_.target.kind) ? by_closing() : by_booking() || by_deletion()) return;
+    const bool noted = is_process(thing_.target.kind) ? by_closing() : !refused() && (by_booking() || by_deletion());
+    if (noted) return;
     by_commands();
     if (thing_.note.empty()) return;
     if (!row_.reason.empty()) row_.reason += L"; ";
@@ -74,14 +79,23 @@ class Reason {
   }
 
  private:
+  [[nodiscard]] std::wstring told(ports::ErrorCode code) const { return with_message(code, findings_.evidence_); }
+
+  /// Whether every command that ran refused the thing: what another left below it is not the reason then.
+  [[nodiscard]] bool refused() const {
+    const auto ran = [](const NamingCommand& command) { return command.run; };
+    return std::any_of(thing_.by.begin(), thing_.by.end(), ran) &&
+           std::all_of(thing_.by.begin(), thing_.by.end(), [](const NamingCommand& command) {
+             return !command.run || command.result == ports::code::invalid_parameter;
+           });
+  }
+
   bool by_closing() {
-    const bool by_name = thing_.target.kind == TargetKind::process_name;
-    for (const Closing& closing : evidence_.closings) {
-      const bool meant = by_name ? closing.name.starts_with(name_) : equal_ignoring_case(closing.path, name_);
-      if (!meant || !closing.left) continue;
+    for (const Closing& closing : findings_.evidence_.closings) {
+      if (!closing.left || !meant(closing, thing_.target)) continue;
       row_.code = closing.code;
       row_.reason = closing.reason;
-      if (closing.code != 0) row_.reason += L" (" + with_message(closing.code, evidence_) + L")";
+      if (closing.code != 0) row_.reason += L" (" + told(closing.code) + L")";
       return true;
     }
     return false;
@@ -89,50 +103,40 @@ class Reason {
 
   bool by_booking() {
     if (!is_path(thing_.target.kind)) return false;
-    const auto said = [this](const std::wstring& what, const wchar_t* text) {
-      row_.reason = what + text;
+    const auto any = [](const std::wstring&) { return true; };
+    if (findings_.booked_.first(name_, any) != nullptr) {
+      row_.reason = L"booked for the next start";
       return true;
-    };
-    for (const std::wstring& path : evidence_.booked) {
-      if (equal_ignoring_case(path, name_)) return said(L"", L"booked for the next start");
     }
     // What stays below for good tells more than what goes at the next start.
-    if (first_failure_below() != nullptr) return false;
-    for (const std::wstring& path : evidence_.booked) {
-      if (lies_below(path, name_)) return said(L"'" + path + L"' is ", L"booked for the next start");
-    }
-    return false;
+    const std::wstring* const below = findings_.booked_.first_below(name_, any);
+    if (below == nullptr || first_failure_below() != nullptr) return false;
+    row_.reason = L"'" + *below + L"' is booked for the next start";
+    return true;
   }
 
-  [[nodiscard]] bool booked(const std::wstring& path) const {
-    return std::any_of(evidence_.booked.begin(), evidence_.booked.end(),
-                       [&path](const std::wstring& known) { return equal_ignoring_case(known, path); });
+  [[nodiscard]] bool failed_here(const record::Deletion& deletion) const {
+    return in_same_tree(deletion, thing_.target.kind) && failed(deletion);
   }
 
   /// The deepest come first, since what lies above them fails for their sake.
   [[nodiscard]] const record::Deletion* first_failure_below() const {
-    for (const record::Deletion& deletion : evidence_.deletions) {
-      if (in_same_tree(deletion, thing_.target.kind) && failed(deletion) && lies_below(deletion.path, name_) &&
-          !booked(deletion.path)) {
-        return &deletion;
-      }
-    }
-    return nullptr;
+    return findings_.deletions_.first_below(name_, [this](const record::Deletion& deletion) {
+      return failed_here(deletion) &&
+             findings_.booked_.first(deletion.path, [](const std::wstring&) { return true; }) == nullptr;
+    });
   }
 
   bool by_deletion() {
     const record::Deletion* found = first_failure_below();
-    const bool below = found != nullptr;
-    for (const record::Deletion& deletion : evidence_.deletions) {
-      if (found != nullptr) break;
-      if (in_same_tree(deletion, thing_.target.kind) && failed(deletion) && equal_ignoring_case(deletion.path, name_)) {
-        found = &deletion;
-      }
+    if (found != nullptr) row_.reason = L"'" + found->path + L"' stays: ";
+    if (found == nullptr) {
+      found =
+          findings_.deletions_.first(name_, [this](const record::Deletion& deletion) { return failed_here(deletion); });
     }
     if (found == nullptr) return false;
     row_.code = found->code;
-    if (below) row_.reason = L"'" + found->path + L"' stays: ";
-    row_.reason += found->code == 0 ? L"deleted, and there again or still held" : with_message(found->code, evidence_);
+    row_.reason += found->code == 0 ? L"deleted, and there again or still held" : told(found->code);
     return true;
   }
 
@@ -147,46 +151,61 @@ class Reason {
       row_.reason = L"its command was skipped";
     } else {
       row_.code = furthest->result;
-      row_.reason = row_.code != 0        ? L"its command gave " + with_message(row_.code, evidence_)
+      row_.reason = row_.code != 0        ? L"its command gave " + told(row_.code)
                     : thing_.note.empty() ? L"its command ran and noted no failure"
                                           : L"its command ran";
     }
   }
 
+  const Findings& findings_;
   const Thing& thing_;
-  const Evidence& evidence_;
   const std::wstring name_;
   Row& row_;
 };
 
-/// What moved aside and goes at the next start.
-std::wstring moved_aside(const Target& target, const Evidence& evidence) {
+Findings::Findings(Evidence evidence) : evidence_(std::move(evidence)) {
+  for (const record::Deletion& deletion : evidence_.deletions) deletions_.add(deletion.path, deletion);
+  for (const record::Move& move : evidence_.moves) moves_.add(move.from, move);
+  for (const std::wstring& path : evidence_.booked) booked_.add(path, path);
+}
+
+/// What moved aside, and whether it goes at the next start.
+std::wstring Findings::moved_aside(const Target& target) const {
   if (!is_path(target.kind)) return {};
+  const auto any = [](const auto&) { return true; };
   const std::wstring name = noted_name(target);
-  for (const record::Move& move : evidence.moves) {
-    if (!equal_ignoring_case(move.from, name) && !lies_below(move.from, name)) continue;
-    const bool goes = std::any_of(evidence.booked.begin(), evidence.booked.end(),
-                                  [&move](const std::wstring& path) { return equal_ignoring_case(path, move.to); });
-    const std::wstring what = lies_below(move.from, name) ? L"'" + move.from + L"' " : L"";
-    return what + L"moved to '" + move.to + (goes ? L"', which is booked for the next start" : L"', which stays");
-  }
-  return {};
+  const record::Move* const whole = moves_.first(name, any);
+  const record::Move* const move = whole != nullptr ? whole : moves_.first_below(name, any);
+  if (move == nullptr) return {};
+  const bool goes = booked_.first(move->to, any) != nullptr;
+  return (whole == nullptr ? L"'" + move->from + L"' " : L"") + L"moved to '" + move->to +
+         (goes ? L"', which is booked for the next start" : L"', which stays");
 }
 
-bool deleted_by_run(const Thing& thing, const Evidence& evidence) {
-  const std::wstring name = noted_name(thing.target);
-  if (is_process(thing.target.kind)) {
-    const bool by_name = thing.target.kind == TargetKind::process_name;
-    return std::any_of(evidence.closings.begin(), evidence.closings.end(), [&](const Closing& closing) {
-      return !closing.left && (by_name ? closing.name.starts_with(name) : equal_ignoring_case(closing.path, name));
-    });
+bool Findings::deleted_by_run(const Target& target) const {
+  if (is_process(target.kind)) {
+    return std::any_of(evidence_.closings.begin(), evidence_.closings.end(),
+                       [&target](const Closing& closing) { return !closing.left && meant(closing, target); });
   }
-  return std::any_of(evidence.deletions.begin(), evidence.deletions.end(), [&](const record::Deletion& deletion) {
-    return deletion.code == 0 && in_same_tree(deletion, thing.target.kind) && equal_ignoring_case(deletion.path, name);
-  });
+  const auto deleted = [&target](const record::Deletion& deletion) {
+    return deletion.code == 0 && in_same_tree(deletion, target.kind);
+  };
+  return deletions_.first(noted_name(target), deleted) != nullptr;
 }
 
-}  // namespace
+Row Findings::decide(const Thing& thing) const {
+  Row row;
+  row.target = thing.target;
+  for (const NamingCommand& command : thing.by) row.commands.push_back(command.index);
+  if (thing.after) {
+    row.state = State::still_there;
+    Reason(*this, thing, row).find();
+  } else if (thing.before || deleted_by_run(thing.target)) {
+    row.state = State::removed_now;
+    row.reason = moved_aside(thing.target);
+  }
+  return row;
+}
 
 const char* to_text(State state) {
   switch (state) {
@@ -226,20 +245,6 @@ const char* to_text(TargetKind kind) {
 std::size_t Receipt::count(State state) const {
   return static_cast<std::size_t>(
       std::count_if(rows.begin(), rows.end(), [state](const Row& row) { return row.state == state; }));
-}
-
-Row decide(const Thing& thing, const Evidence& evidence) {
-  Row row;
-  row.target = thing.target;
-  for (const NamingCommand& command : thing.by) row.commands.push_back(command.index);
-  if (thing.after) {
-    row.state = State::still_there;
-    Reason(thing, evidence, row).find();
-  } else if (thing.before || deleted_by_run(thing, evidence)) {
-    row.state = State::removed_now;
-    row.reason = moved_aside(thing.target, evidence);
-  }
-  return row;
 }
 
 }  // namespace receipt

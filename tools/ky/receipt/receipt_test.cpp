@@ -53,7 +53,7 @@ TEST(Receipt, EachThingIsRemovedNowOrWasAbsentOrIsStillThereForAReason) {
        State::still_there,
        L"'C:\\A\\held.dll' stays: error 32, In use",
        32},
-      {{{TargetKind::folder, L"C:\\full"}, true, true, L"", {ran}}, State::still_there, L"error 145", 145},
+      {{{TargetKind::folder, L"C:\\\\full\\"}, true, true, L"", {ran}}, State::still_there, L"error 145", 145},
       {{{TargetKind::file, L"C:\\again.txt"}, true, true, L"", {ran}},
        State::still_there,
        L"deleted, and there again or still held",
@@ -103,8 +103,9 @@ TEST(Receipt, EachThingIsRemovedNowOrWasAbsentOrIsStillThereForAReason) {
        L"its command ran; it is in the store",
        0},
   };
+  const Findings findings(evidence());
   for (const auto& row : rows) {
-    const Row found = decide(row.thing, evidence());
+    const Row found = findings.decide(row.thing);
     EXPECT_STREQ(to_text(found.state), to_text(row.state)) << testing::PrintToString(row.thing.target.path);
     EXPECT_EQ(found.reason, row.reason);
     EXPECT_EQ(found.code, row.code) << testing::PrintToString(found.reason);
@@ -113,8 +114,9 @@ TEST(Receipt, EachThingIsRemovedNowOrWasAbsentOrIsStillThereForAReason) {
 
 TEST(Receipt, ItsJsonIsAsItIsPublished) {
   Receipt receipt;
-  receipt.rows = {decide({{TargetKind::file, L"C:\\A\\held.dll"}, true, true, L"", {ran, skipped}}, evidence()),
-                  decide({{TargetKind::registry_value, L"HKEY_USERS\\u", L"V"}, false, false, L"", {ran}}, {})};
+  const Findings findings(evidence());
+  receipt.rows = {findings.decide({{TargetKind::file, L"C:\\A\\held.dll"}, true, true, L"", {ran, skipped}}),
+                  findings.decide({{TargetKind::registry_value, L"HKEY_USERS\\u", L"V"}, false, false, L"", {ran}})};
   receipt.not_named = {{9, "DeleteFile", {"pathFile", L"[X]\\a", L"[X] is never set"}}};
   EXPECT_EQ(to_json(receipt), R"({
   "counts": {

@@ -46,7 +46,7 @@ std::wstring user_of(const std::wstring& path) {
 Receipt settle(const Account& account, machine::State before, machine::State after) {
   const Scene first(std::move(before));
   const Scene last(std::move(after));
-  const Evidence evidence = evidence_of(account);
+  const Findings findings(evidence_of(account));
   const UserNames reachable = reachable_users(account, first);
   UserNames users;
   for (const Scene* const scene : {&first, &last}) {
@@ -62,7 +62,7 @@ Receipt settle(const Account& account, machine::State before, machine::State aft
     thing.before = first.look(thing.target).there;
     const std::wstring user = user_of(thing.target.path);
     if (!user.empty() && reachable.count(user) == 0) thing.note = L"the user's hive was not mounted";
-    receipt.rows.push_back(decide(thing, evidence));
+    receipt.rows.push_back(findings.decide(thing));
   };
   for (const Naming& naming : account.named.things) {
     if (!naming.target.path.starts_with(each_user)) {

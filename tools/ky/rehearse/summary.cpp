@@ -58,7 +58,8 @@ void print_changes(const Outcome& outcome, std::ostream& out) {
   }
   out << "  Changes      " << (by_kind.empty() ? "none\n" : "");
   const char* indent = "";
-  for (const auto& [kind, count] : by_kind) {
+  for (const auto& [name, count] : by_kind) {
+    const std::string& kind = name;
     const char* separator = "";
     out << indent;
     const auto part = [&](std::size_t number, const char* what) {
