@@ -93,7 +93,7 @@ ErrorCode FolderRemoval::remove_top(const std::wstring& path, ports::Handle pare
     if (is_protected(top)) return ports::code::invalid_parameter;
     if (options_.recursive) remove_children(path, top.get());
   }
-  remove_open(std::move(top), path, found);
+  remove_open(std::move(top), path, found, parent);
   return first_failure_;
 }
 
@@ -108,7 +108,7 @@ void FolderRemoval::cannot_open(const std::wstring& path, bool folder, std::uint
       remove_children(path, in_use.get());
     }
   }
-  stays(path, folder, code);
+  stays(path, folder, code, parent);
 }
 
 void FolderRemoval::remove_children(const std::wstring& folder, ports::Handle handle) {
@@ -140,10 +140,11 @@ void FolderRemoval::remove_child(const std::wstring& path, const ports::FolderRo
   const ErrorCode failure = inspect(child, parent, listed.index, found);
   if (failure != ports::code::success) return note_failure(path, failure);
   if (is_folder(found.attributes) && !is_link(found.attributes)) remove_children(path, child.get());
-  remove_open(std::move(child), path, found);
+  remove_open(std::move(child), path, found, parent);
 }
 
-void FolderRemoval::remove_open(OpenHandle file, const std::wstring& path, const ports::FileInformation& information) {
+void FolderRemoval::remove_open(OpenHandle file, const std::wstring& path, const ports::FileInformation& information,
+                                ports::Handle parent) {
   ErrorCode code = ports::code::success;
   {
     const OpenHandle open = std::move(file);
@@ -155,13 +156,13 @@ void FolderRemoval::remove_open(OpenHandle file, const std::wstring& path, const
     // The attributes are the file's, which lives on by its other names.
     if (read_only && information.links > 1) (void)system_.files.set_attributes_of(open.get(), information.attributes);
   }
-  if (code != ports::code::success) stays(path, is_folder(information.attributes), code);
+  if (code != ports::code::success) stays(path, is_folder(information.attributes), code, parent);
 }
 
-void FolderRemoval::stays(const std::wstring& path, bool folder, ErrorCode code) {
+void FolderRemoval::stays(const std::wstring& path, bool folder, ErrorCode code, ports::Handle parent) {
   // A full folder that is not to be emptied is not booked either: the system would pass it over.
   const bool left_full = code == ports::code::directory_not_empty && !options_.recursive;
-  if (!left_full && put_aside(path, folder)) return;
+  if (!left_full && put_aside(path, folder, parent)) return;
   note_failure(path, code);
 }
 
@@ -170,9 +171,9 @@ void FolderRemoval::note_failure(const std::wstring& path, ErrorCode code) {
   if (first_failure_ == ports::code::success) first_failure_ = code;
 }
 
-bool FolderRemoval::put_aside(const std::wstring& path, bool folder) {
+bool FolderRemoval::put_aside(const std::wstring& path, bool folder, ports::Handle parent) {
   std::wstring place = path;
-  const bool moved = options_.move_to_temp && !folder && move_to_temporary(path, place);
+  const bool moved = options_.move_to_temp && !folder && move_to_temporary(path, parent, place);
   if (moved) ky::Trace(L"[DeleteFolder] '%s' is moved to '%s'\n", shown(path), shown(place));
   if (!options_.delete_after_reboot) return moved;
   if (!system_.files.move(place.c_str(), nullptr, ports::move_flag::delay_until_reboot)) return moved;
@@ -180,13 +181,17 @@ bool FolderRemoval::put_aside(const std::wstring& path, bool folder) {
   return true;
 }
 
-bool FolderRemoval::move_to_temporary(const std::wstring& path, std::wstring& moved) {
+bool FolderRemoval::move_to_temporary(const std::wstring& path, ports::Handle parent, std::wstring& moved) {
+  // Whoever asks for less and shares more may get what could not be opened to be deleted.
+  const OpenHandle file = open(path, access::read_attributes | access::erase, ports::file_share::all);
+  ports::FileInformation found;
+  if (!file.good() || inspect(file, parent, 0, found) != ports::code::success) return false;
   std::array<wchar_t, 261> folder{};
   const std::uint32_t length = system_.files.temp_folder(folder);
   if (length == 0 || length >= folder.size()) return false;
   std::array<wchar_t, 260> name{};
   if (system_.files.temp_file(folder.data(), L"ky_", 0, name) == 0) return false;
-  if (!system_.files.move(path.c_str(), name.data(), ports::move_flag::replace_existing)) {
+  if (!system_.files.rename(file.get(), name.data())) {
     (void)system_.files.remove(name.data());  // the empty file that held the name
     return false;
   }
@@ -194,9 +199,8 @@ bool FolderRemoval::move_to_temporary(const std::wstring& path, std::wstring& mo
   return true;
 }
 
-OpenHandle FolderRemoval::open(const std::wstring& path, std::uint32_t wanted) {
-  return {system_.waits, system_.files.open(path.c_str(), wanted, ports::file_share::read | ports::file_share::write,
-                                            ports::Disposition::open_existing,
+OpenHandle FolderRemoval::open(const std::wstring& path, std::uint32_t wanted, std::uint32_t share) {
+  return {system_.waits, system_.files.open(path.c_str(), wanted, share, ports::Disposition::open_existing,
                                             ports::open_flag::backup_semantics | ports::open_flag::open_reparse_point)};
 }
 

@@ -25,7 +25,7 @@ struct FolderRemovalOptions {
 /// Deletes one folder and what is in it, and follows no link on the way: every part of the path is opened as itself,
 /// from the drive's root down, and stays open, so that nobody can put a link in its place while something below it
 /// goes; and each has to be one that the folder before it lists. A link inside the folder goes as a link; what it
-/// points at stays. Deletion is by handle. Booking and moving go by path, under ancestors that are held.
+/// points at stays. Deleting and moving go by handle, booking for the next start by path.
 class FolderRemoval {
  public:
   /// `protected_folders` are compared by file identity as well, since a path has more than one spelling.
@@ -47,12 +47,14 @@ class FolderRemoval {
   /// For what did not open for erasing. A folder in use stays, but what is in it goes.
   void cannot_open(const std::wstring& path, bool folder, std::uint64_t index, ports::Handle parent);
   /// Deletes what is open; `path` is for the log, and for booking once it is closed.
-  void remove_open(OpenHandle file, const std::wstring& path, const ports::FileInformation& information);
-  void stays(const std::wstring& path, bool folder, ports::ErrorCode code);
+  void remove_open(OpenHandle file, const std::wstring& path, const ports::FileInformation& information,
+                   ports::Handle parent);
+  void stays(const std::wstring& path, bool folder, ports::ErrorCode code, ports::Handle parent);
   void note_failure(const std::wstring& path, ports::ErrorCode code);
-  [[nodiscard]] bool put_aside(const std::wstring& path, bool folder);
-  [[nodiscard]] bool move_to_temporary(const std::wstring& path, std::wstring& moved);
-  [[nodiscard]] OpenHandle open(const std::wstring& path, std::uint32_t access);
+  [[nodiscard]] bool put_aside(const std::wstring& path, bool folder, ports::Handle parent);
+  [[nodiscard]] bool move_to_temporary(const std::wstring& path, ports::Handle parent, std::wstring& moved);
+  [[nodiscard]] OpenHandle open(const std::wstring& path, std::uint32_t access,
+                                std::uint32_t share = ports::file_share::read | ports::file_share::write);
   /// Looks at what was opened below `parent`, which has to be listed there. `index` is its number where that was listed
   /// before.
   [[nodiscard]] ports::ErrorCode inspect(const OpenHandle& file, ports::Handle parent, std::uint64_t index,

@@ -55,13 +55,38 @@ struct AttributeSchema {
 struct KeyUse {
   std::string_view key{};  // with prefix
   Access access = Access::reads;
-  std::string_view meaning{};  // one sentence, when and what
+  std::string_view meaning{};     // one sentence, when and what
+  bool may_be_unwritten = false;  // read, and as good without: no check looks for what puts it
 };
 
 /// A result or return code, and when.
 struct ResultMeaning {
   std::string_view code{};
   std::string_view meaning{};
+};
+
+/// What kind of thing a deleting or closing command names.
+enum class TargetKind : std::uint8_t {
+  file,
+  folder,
+  registry_key,
+  registry_value,
+  task,            // in the root folder of the task scheduler
+  driver_package,  // by its own INF file name
+  process_file,    // processes of one executable
+  process_name,    // processes whose name begins so
+  ifeo_keys,       // the Image File Execution Options keys of a list of executables
+};
+
+/// Where an element names what its command deletes or closes.
+struct TargetSchema {
+  TargetKind kind = TargetKind::file;
+  /// The attribute with the name, of a family its stem; of ifeo_keys the key, with prefix, that holds the list.
+  std::string_view name{};
+  /// The attribute with what the name stands in: a key of a value, a folder of an executable.
+  std::string_view place{};
+  /// The attribute with the registry's root.
+  std::string_view root{};
 };
 
 enum class Owner : std::uint8_t { library, host };
@@ -78,7 +103,8 @@ struct CommandSchema {
   std::span<const std::string_view> one_of{};     // at least one of these attributes, where there are any
   std::span<const KeyUse> keys{};
   std::span<const ResultMeaning> results{};
-  std::string_view example{};  // an element
+  std::span<const TargetSchema> targets{};  // of a command that deletes or closes
+  std::string_view example{};               // an element
 };
 
 /// Every command of the library and the host, sorted by name.

@@ -53,6 +53,12 @@ TEST(CommandSchemas, AttributesSpeakOfAttributesThatAreThere) {
       EXPECT_TRUE(each.expanded || !each.keeps_expansion) << command.name << ' ' << each.name;
       EXPECT_NE(each.meaning, "") << command.name << ' ' << each.name;
     }
+    for (const host::TargetSchema& target : command.targets) {
+      const bool is_key = target.kind == host::TargetKind::ifeo_keys;
+      for (const std::string_view name : {is_key ? "" : target.name, target.place, target.root}) {
+        EXPECT_TRUE(name.empty() || known(name)) << command.name << ' ' << name;
+      }
+    }
     for (const std::string_view name : command.one_of) EXPECT_TRUE(known(name)) << command.name << ' ' << name;
   }
 }

@@ -39,6 +39,9 @@ class FaultyFiles final : public Faulty<ports::Files> {
   bool set_attributes_of(ports::Handle file, std::uint32_t attributes) override {
     return ask(Operation::files_set_attributes_of, false, [&] { return inner_.set_attributes_of(file, attributes); });
   }
+  bool rename(ports::Handle file, const wchar_t* to) override {
+    return ask(Operation::files_rename, false, [&] { return inner_.rename(file, to); });
+  }
   std::uint32_t attributes(const wchar_t* path) override {
     return ask(Operation::files_attributes, ports::file_attribute::invalid, [&] { return inner_.attributes(path); });
   }

@@ -22,6 +22,7 @@
             status_invalid_handle) \
   OPERATION(files_mark_deleted, "files.mark_deleted", access_denied, directory_not_empty, invalid_handle) \
   OPERATION(files_set_attributes_of, "files.set_attributes_of", access_denied, invalid_handle) \
+  OPERATION(files_rename, "files.rename", access_denied, path_not_found, not_same_device, invalid_handle) \
   OPERATION(files_attributes, "files.attributes", access_denied, file_not_found, path_not_found, invalid_name) \
   OPERATION(files_set_attributes, "files.set_attributes", access_denied, file_not_found, path_not_found, invalid_name) \
   OPERATION(files_exists, "files.exists", access_denied, file_not_found, path_not_found, invalid_name) \

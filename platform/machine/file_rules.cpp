@@ -148,7 +148,12 @@ MoveDecision decide_move(const FileTree& tree, const Found& from, const Found& t
   const FileNode& source = tree.nodes.at(from.node);
   if (source.places.empty() || source.protect) return {code::access_denied};
   const ErrorCode error = shared(source, access::erase, ports::file_share::all);
-  if (error != code::success) return {error};
+  return error == code::success ? decide_rename(tree, from, to, flags) : MoveDecision{error};
+}
+
+MoveDecision decide_rename(const FileTree& tree, const Found& from, const Found& to, std::uint32_t flags) {
+  const FileNode& source = tree.nodes.at(from.node);
+  if (source.places.empty() || source.protect) return {code::access_denied};
   if (source.folder && open_below(tree, from.node)) return {code::access_denied};
   if (to.error == code::invalid_name && to.node == 0) return {code::invalid_name};
   if (to.node == 0 && to.place.folder == 0) return {to.error};

@@ -55,5 +55,7 @@ struct MoveDecision {
   bool copies = false;    // to another volume: a new file with the old one's content
 };
 [[nodiscard]] MoveDecision decide_move(const FileTree& tree, const Found& from, const Found& to, std::uint32_t flags);
+/// The same of what was opened, so that others have been asked already.
+[[nodiscard]] MoveDecision decide_rename(const FileTree& tree, const Found& from, const Found& to, std::uint32_t flags);
 
 }  // namespace machine

@@ -32,6 +32,7 @@ class Files final : public ports::Files {
   bool identity(ports::Handle file, ports::FileIdentity& out) override;
   bool mark_deleted(ports::Handle file) override;
   bool set_attributes_of(ports::Handle file, std::uint32_t attributes) override;
+  bool rename(ports::Handle file, const wchar_t* to) override;
   [[nodiscard]] std::uint32_t attributes(const wchar_t* path) override;
   bool set_attributes(const wchar_t* path, std::uint32_t attributes) override;
   [[nodiscard]] bool exists(const wchar_t* path) override;

@@ -6,6 +6,8 @@
 #include "platform/machine/file_lookup.h"
 #include "platform/machine/file_rules.h"
 #include "platform/machine/files.h"
+#include "platform/machine/handles.h"
+#include "platform/machine/open_file.h"
 #include "platform/ports/codes.h"
 #include "platform/ports/system.h"
 
@@ -110,7 +112,7 @@ ErrorCode Files::move_now(const Path& from, const Path& to, std::uint32_t flags)
   if (decision.error != code::success) return decision.error;
   if (decision.replaces) remove_name(tree, target.place);
   if (!decision.copies) {
-    rename(tree, source.place, target.place);
+    machine::rename(tree, source.place, target.place);
     return code::success;
   }
   FileNode copy = tree.nodes.at(source.node);
@@ -124,6 +126,30 @@ ErrorCode Files::move_now(const Path& from, const Path& to, std::uint32_t flags)
   }
   remove_name(tree, source.place);
   return code::success;
+}
+
+bool Files::rename(ports::Handle handle, const wchar_t* to) {
+  const auto file = handles_.find_as<OpenFile>(handle);
+  if (file == nullptr) return fail(code::invalid_handle);
+  if ((file->access & ports::file_access::erase) == 0) return fail(code::access_denied);
+  {
+    const ports::Lock lock(world_.mutex);
+    FileTree& tree = world_.state.files;
+    const FileNode& node = tree.nodes.at(file->node);
+    if (node.going || node.places.empty()) return fail(code::access_denied);
+    Path path;
+    if (!done(parsed(to, path))) return false;
+    const bool there = std::find(node.places.begin(), node.places.end(), file->place) != node.places.end();
+    const Found source{code::success, file->node, there ? file->place : node.places.front()};
+    Found target = look_up(tree, path, LastLink::itself);
+    if (target.place.folder != 0 && !path.parts.empty()) target.place.name = path.parts.back();
+    const MoveDecision decision = decide_rename(tree, source, target, ports::move_flag::replace_existing);
+    if (!done(decision.error)) return false;
+    if (decision.replaces) remove_name(tree, target.place);
+    machine::rename(tree, source.place, target.place);
+  }
+  copies_.settle();
+  return true;
 }
 
 // Nothing is looked up: what is absent now may be there at the next start.

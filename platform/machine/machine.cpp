@@ -120,10 +120,12 @@ void Machine::add_procedure(ports::Module module, std::string name, ports::Proce
 State Machine::state() {
   const ClockStart clock = clock_.state();
   RunningPrograms processes = processes_.table()->survivors();
+  const bool parent_runs = processes_.table()->parent_runs();
   const ports::Lock lock(world_.mutex);
   State copy = world_.state;
   copy.clock = clock;
   copy.processes = std::move(processes);
+  if (!parent_runs) copy.environment.parent.reset();
   copy.next_id = ids_.next();
   return copy;
 }

@@ -273,6 +273,12 @@ void ProcessTable::path_was_read(const ProcessPointer& process) {
   process->gives_way |= process->program.gives_way == GivesWay::after_image_path;
 }
 
+bool ProcessTable::parent_runs() {
+  const ports::Lock lock(world_.mutex);
+  return std::any_of(processes_.begin(), processes_.end(),
+                     [](const ProcessPointer& process) { return process->kind == Kind::parent && lives(*process); });
+}
+
 RunningPrograms ProcessTable::survivors() {
   RunningPrograms programs;
   scheduler_.perform([&](Core& core) {

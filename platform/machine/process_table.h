@@ -67,6 +67,9 @@ class ProcessTable {
   /// The processes for a machine that goes on from here; this process and what the system always has are left out.
   [[nodiscard]] RunningPrograms survivors();
 
+  /// Whether the process that started this one still runs.
+  [[nodiscard]] bool parent_runs();
+
  private:
   ProcessPointer add(Core& core, RunningProcess::Kind kind, RunningProgram program) KY_REQUIRES(world_.mutex);
   void add_self(Core& core) KY_REQUIRES(world_.mutex);

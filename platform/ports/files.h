@@ -140,6 +140,11 @@ class Files {
   /// for write_attributes).
   virtual bool set_attributes_of(Handle file, std::uint32_t attributes) = 0;
 
+  /// SetFileInformationByHandle, FileRenameInfo: what is open gets another full path on its volume, in place of a file
+  /// that is there. Fails with access_denied (not opened for erase; what is in the way may not go), path_not_found,
+  /// not_same_device.
+  virtual bool rename(Handle file, const wchar_t* to) = 0;
+
   /// GetFileAttributesW: the bits, or `file_attribute::invalid`. Of a link it tells about the link.
   [[nodiscard]] virtual std::uint32_t attributes(const wchar_t* path) = 0;
 

@@ -122,8 +122,8 @@ class Registry {
 
   /// RegLoadKeyW: mounts the hive file as a key right below `key`, which is users or local_machine; the file is the
   /// system's alone until it is unmounted. Needs the privileges SeRestorePrivilege and SeBackupPrivilege, else
-  /// privilege_not_held. Also file_not_found, sharing_violation (mounted already, or open), already_exists (the name is
-  /// taken), bad_database (no hive).
+  /// privilege_not_held. Also file_not_found, path_not_found, sharing_violation (mounted already, or open),
+  /// already_exists (the name is taken), bad_database (no hive).
   [[nodiscard]] virtual ErrorCode load_hive(RegistryKey key, const wchar_t* name, const wchar_t* file) = 0;
 
   /// RegUnLoadKeyW: unmounts what `load_hive` mounted; what changed is in the file. The same privileges. Also

@@ -38,6 +38,13 @@ struct Deletion {
   friend bool operator==(const Deletion&, const Deletion&) = default;
 };
 
+/// A file or folder that got another name at once.
+struct Move {
+  std::wstring from;
+  std::wstring to;
+  friend bool operator==(const Move&, const Move&) = default;
+};
+
 /// What became of a log file: the run wrote it and left it; it is an older run's, and went or should have gone.
 enum class LogFate { written, pruned, remains };
 

@@ -15,9 +15,16 @@ bool was_absent(ports::ErrorCode code) {
   return code == ports::code::file_not_found || code == ports::code::path_not_found;
 }
 
-bool in_registry_below(Ledger::Subject subject, const std::wstring& folded_path, const std::wstring& key) {
-  return (subject == Ledger::Subject::key || subject == Ledger::Subject::value) &&
-         folded_path.starts_with(folded(key) + L"\\");
+/// Calls `act` with each entry of a map by Id that is a key or value below the key.
+template <class ById, class Act>
+void for_each_below(ById& by_id, const std::wstring& key, Act act) {
+  const std::wstring prefix = folded(key) + L"\\";
+  for (const Ledger::Subject subject : {Ledger::Subject::key, Ledger::Subject::value}) {
+    for (auto at = by_id.lower_bound({subject, prefix});
+         at != by_id.end() && at->first.first == subject && at->first.second.starts_with(prefix); ++at) {
+      act(*at);
+    }
+  }
 }
 
 }  // namespace
@@ -73,18 +80,15 @@ void Ledger::settle(const std::wstring& key) {
   std::vector<std::pair<std::size_t, Look>> attempts;
   {
     const ports::Lock lock(mutex_);
-    for (const auto& [id, entry] : entries_) {
-      if (in_registry_below(id.first, id.second, key)) looks.emplace_back(id, entry.look);
-    }
-    for (std::size_t at = 0; at < attempts_.size(); ++at) {
-      const Id& id = attempts_[at].id;
-      if (in_registry_below(id.first, id.second, key)) attempts.emplace_back(at, attempts_[at].look);
-    }
+    for_each_below(entries_, key, [&looks](const auto& entry) { looks.emplace_back(entry.first, entry.second.look); });
+    std::vector<std::size_t> positions;
+    for_each_below(attempt_of_, key, [&positions](const auto& entry) { positions.push_back(entry.second); });
+    for (const std::size_t at : positions) attempts.emplace_back(at, attempts_[at].look);
   }
-  std::map<Id, std::optional<State>> states;
-  for (const auto& [id, look] : looks) states.emplace(id, look());
-  std::map<std::size_t, bool> gone;
-  for (const auto& [at, look] : attempts) gone.emplace(at, !look().has_value());
+  std::vector<std::pair<Id, std::optional<State>>> states;
+  for (const auto& [id, look] : looks) states.emplace_back(id, look());
+  std::vector<std::pair<std::size_t, bool>> gone;
+  for (const auto& [at, look] : attempts) gone.emplace_back(at, !look().has_value());
   const ports::Lock lock(mutex_);
   for (auto& [id, state] : states) entries_.at(id).settled = std::move(state);
   for (const auto& [at, is_gone] : gone) attempts_[at].settled = is_gone;
@@ -93,12 +97,10 @@ void Ledger::settle(const std::wstring& key) {
 void Ledger::unsettle(const std::wstring& key) {
   const KeptError kept(inner_.errors);
   const ports::Lock lock(mutex_);
-  for (auto& [id, entry] : entries_) {
-    if (in_registry_below(id.first, id.second, key)) entry.settled.reset();
-  }
-  for (Attempt& attempt : attempts_) {
-    if (in_registry_below(attempt.id.first, attempt.id.second, key)) attempt.settled.reset();
-  }
+  for_each_below(entries_, key, [](auto& entry) { entry.second.settled.reset(); });
+  std::vector<std::size_t> positions;
+  for_each_below(attempt_of_, key, [&positions](const auto& entry) { positions.push_back(entry.second); });
+  for (const std::size_t at : positions) attempts_[at].settled.reset();
 }
 
 void Ledger::add_action(std::string kind, std::wstring text) {
@@ -115,7 +117,7 @@ void Ledger::add_deletion(Subject subject, const std::string& kind, const std::w
   const ports::Lock lock(mutex_);
   const auto [found, added] = attempt_of_.try_emplace({subject, folded(path)}, attempts_.size());
   if (added) {
-    attempts_.push_back({{subject, folded(path)}, {kind, path, code, false}, std::move(look)});
+    attempts_.push_back({{kind, path, code, false}, std::move(look)});
     return;
   }
   // What an earlier attempt deleted is rightly missing at the next.
@@ -125,6 +127,13 @@ void Ledger::add_deletion(Subject subject, const std::string& kind, const std::w
 
 void Ledger::add_path_deletion(const std::string& kind, const std::wstring& path, ports::ErrorCode code) {
   add_deletion(Subject::path, kind, plain_path(path), code, [this, path] { return look_at_path(inner_, path); });
+}
+
+void Ledger::add_move(const std::wstring& from, const std::wstring& to) {
+  const KeptError kept(inner_.errors);
+  if (paused()) return;
+  const ports::Lock lock(mutex_);
+  moves_.push_back({plain_path(from), plain_path(to)});
 }
 
 void Ledger::book(const std::wstring& path, std::wstring text) {
@@ -244,6 +253,11 @@ std::vector<Change> Ledger::changes() const {
 std::vector<Action> Ledger::actions() const {
   const ports::Lock lock(mutex_);
   return actions_;
+}
+
+std::vector<Move> Ledger::moves() const {
+  const ports::Lock lock(mutex_);
+  return moves_;
 }
 
 std::vector<Deletion> Ledger::deletions() const {

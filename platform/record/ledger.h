@@ -50,6 +50,7 @@ class Ledger {
   void add_deletion(Subject subject, const std::string& kind, const std::wstring& path, ports::ErrorCode code,
                     Look look);
   void add_path_deletion(const std::string& kind, const std::wstring& path, ports::ErrorCode code);
+  void add_move(const std::wstring& from, const std::wstring& to);
   /// Moves booked for the next start, by what moves.
   void book(const std::wstring& path, std::wstring text);
 
@@ -73,6 +74,7 @@ class Ledger {
   [[nodiscard]] std::vector<Change> changes() const;
   [[nodiscard]] std::vector<Action> actions() const;
   [[nodiscard]] std::vector<Deletion> deletions() const;
+  [[nodiscard]] std::vector<Move> moves() const;
   [[nodiscard]] std::vector<LogFile> logs() const;
 
  private:
@@ -90,7 +92,6 @@ class Ledger {
     bool written;
   };
   struct Attempt {
-    Id id;
     Deletion deletion;
     Look look;
     std::optional<bool> settled{};
@@ -101,6 +102,7 @@ class Ledger {
   std::map<Id, Entry> entries_ KY_GUARDED_BY(mutex_);
   std::map<std::wstring, Log> logs_ KY_GUARDED_BY(mutex_);  // by folded path
   std::vector<Action> actions_ KY_GUARDED_BY(mutex_);
+  std::vector<Move> moves_ KY_GUARDED_BY(mutex_);
   std::vector<Attempt> attempts_ KY_GUARDED_BY(mutex_);
   std::map<Id, std::size_t> attempt_of_ KY_GUARDED_BY(mutex_);
   std::map<ports::Handle, std::wstring> names_ KY_GUARDED_BY(mutex_);

@@ -57,6 +57,10 @@ std::vector<Action> Recorder::actions() const {
   return parts_->ledger.actions();
 }
 
+std::vector<Move> Recorder::moves() const {
+  return parts_->ledger.moves();
+}
+
 std::vector<Deletion> Recorder::deletions() const {
   return parts_->ledger.deletions();
 }

@@ -26,6 +26,8 @@ class Recorder {
   [[nodiscard]] std::vector<Change> changes() const;
   /// In the order in which they were done.
   [[nodiscard]] std::vector<Action> actions() const;
+  /// In the order in which they were done, without those that were booked.
+  [[nodiscard]] std::vector<Move> moves() const;
   /// One for each thing, in the order of the first attempts.
   [[nodiscard]] std::vector<Deletion> deletions() const;
   /// The files that the run's log lies in, and older logs in the common data folder that were to be deleted: what was

@@ -5,12 +5,18 @@
 #include <memory>
 #include <string>
 
+#include "platform/machine/file_lookup.h"
+#include "platform/machine/hive_content.h"
 #include "platform/machine/machine.h"
+#include "platform/machine/path.h"
 #include "platform/ports/build.h"
 #include "platform/ports/codes.h"
+#include "platform/ports/com.h"
+#include "platform/ports/driver_store.h"
 #include "platform/ports/files.h"
 #include "platform/ports/log_streams.h"
 #include "platform/ports/registry.h"
+#include "platform/ports/task_scheduler.h"
 #include "platform/ports/threads.h"
 
 namespace record {
@@ -184,6 +190,99 @@ TEST_F(RecorderTest, KeysOnTheWayAndSetValuesAreChanges) {
                      {"registry-value", path + L"\\Path", L"REG_DWORD 0x00000007", L"REG_DWORD 0x00000008"}}));
   EXPECT_EQ(recorder->deletions(),
             (Deletions{{"registry-value", path + L"\\Missing", ports::code::file_not_found, true}}));
+}
+
+TEST_F(RecorderTest, AKeysTreeGoesWithAllThatLinksLeadTo) {
+  world.registry.close(create(world, L"Software\\Suite\\A"));
+  const RegistryKey target = create(world, L"Software\\Elsewhere\\B");
+  world.registry.close(target);
+  RegistryKey link = RegistryKey::null;
+  bool created = false;
+  ASSERT_EQ(
+      world.registry.create(RegistryKey::local_machine, L"Software\\Suite\\Link", ports::registry_option::create_link,
+                            all_rights | ports::registry_access::create_link, link, created),
+      0u);
+  ports::RegistryValue leads_to{ports::RegistryType::link, {}};
+  for (const char unit : std::string("\\REGISTRY\\MACHINE\\Software\\Elsewhere")) {
+    leads_to.bytes.push_back(static_cast<std::uint8_t>(unit));
+    leads_to.bytes.push_back(0);
+  }
+  ASSERT_EQ(world.registry.set(link, L"SymbolicLinkValue", leads_to), 0u);
+  world.registry.close(link);
+  EXPECT_EQ(system->registry.remove_tree(RegistryKey::local_machine, L"Software\\Suite"), ports::code::file_not_found);
+  std::vector<std::wstring> gone;
+  for (const Change& change : recorder->changes()) {
+    if (change.kind == "registry-key" && !change.after) gone.push_back(change.path.substr(19));
+  }
+  EXPECT_EQ(gone,
+            (std::vector<std::wstring>{L"Software\\Elsewhere", L"Software\\Elsewhere\\B", L"Software\\Suite\\A"}));
+  EXPECT_FALSE(recorder->deletions().at(0).gone);
+}
+
+TEST_F(RecorderTest, WhatChangesInAMountedHiveIsToldByItsKeys) {
+  machine.change([](machine::State& state) {
+    machine::RegistryTree tree;
+    const machine::KeyId root = machine::make_keys(tree, L"HKEY_USERS\\u");
+    for (const wchar_t* key : {L"Gone", L"Kept"}) machine::make_keys(tree, std::wstring(L"HKEY_USERS\\u\\") + key);
+    state.enabled_privileges.insert({machine::privilege::restore, machine::privilege::backup});
+    machine::FileNode hive;
+    hive.bytes = machine::hive_bytes(tree, root);
+    hive.size = hive.bytes.size();
+    const machine::NodeId folder = machine::make_folders(state.files, machine::parse_path(L"C:\\Suite", L"C:\\").path);
+    machine::add_node(state.files, folder, L"u.dat", std::move(hive));
+  });
+  const auto open = [this](const wchar_t* path) {
+    RegistryKey key = RegistryKey::null;
+    EXPECT_EQ(system->registry.open(RegistryKey::users, path, 0, all_rights, key), 0u);
+    return key;
+  };
+  ASSERT_EQ(system->registry.load_hive(RegistryKey::users, L"u", L"C:\\Suite\\u.dat"), 0u);
+  RegistryKey key = open(L"u\\Gone");
+  EXPECT_EQ(system->registry.remove(key), 0u);
+  system->registry.close(key);
+  key = open(L"u\\Kept");
+  set(*system, key, L"New", 1);
+  EXPECT_EQ(system->registry.unload_hive(RegistryKey::users, L"u"), ports::code::access_denied);
+  system->registry.close(key);
+  EXPECT_EQ(system->registry.unload_hive(RegistryKey::users, L"u"), 0u);
+  const Changes changes = recorder->changes();
+  ASSERT_EQ(changes.size(), 3u);
+  EXPECT_EQ(changes[0].path, L"C:\\Suite\\u.dat");
+  EXPECT_EQ(changes[1], (Change{"registry-key", L"HKEY_USERS\\u\\Gone", L"present", std::nullopt}));
+  EXPECT_EQ(changes[2], (Change{"registry-value", L"HKEY_USERS\\u\\Kept\\New", std::nullopt, L"REG_DWORD 0x00000001"}));
+  EXPECT_EQ(recorder->deletions(), (Deletions{{"registry-key", L"HKEY_USERS\\u\\Gone", 0, true}}));
+  EXPECT_EQ(recorder->actions(), (std::vector<Action>{{"hive-mounted", L"HKEY_USERS\\u from C:\\Suite\\u.dat"},
+                                                      {"hive-unmounted", L"HKEY_USERS\\u"}}));
+}
+
+TEST_F(RecorderTest, TasksAndDriverPackagesThatGoAreChanges) {
+  machine.change([](machine::State& state) {
+    state.scheduled_tasks.tasks = {{L"\\Update", {}}, {L"\\Guarded", {true}}};
+    const machine::NodeId folder =
+        machine::make_folders(state.files, machine::parse_path(L"C:\\Windows\\INF", L"C:\\").path);
+    machine::FileNode inf;
+    inf.store = L"C:\\Store\\flt.inf";
+    machine::add_node(state.files, folder, L"oem7.inf", inf);
+  });
+  ASSERT_EQ(system->com.initialize(ports::ComModel::multithreaded), ports::code::ok);
+  ports::TaskService service{};
+  ports::TaskFolder folder{};
+  ASSERT_EQ(system->tasks.create_service(service), ports::code::ok);
+  ASSERT_EQ(system->tasks.connect(service), ports::code::ok);
+  ASSERT_EQ(system->tasks.folder(service, L"\\", folder), ports::code::ok);
+  EXPECT_EQ(system->tasks.remove(folder, L"Update"), ports::code::ok);
+  EXPECT_EQ(system->tasks.remove(folder, L"Guarded"), ports::code::as_result(ports::code::access_denied));
+  system->tasks.release(folder);
+  system->tasks.release(service);
+  system->com.uninitialize();
+  std::uint32_t size = 0;
+  std::wstring location(100, L'\0');
+  EXPECT_TRUE(system->drivers.inf_location(L"oem7.inf", location, size));
+  machine.change([](machine::State& state) { machine::remove_driver(state, L"oem7.inf"); });
+  EXPECT_EQ(recorder->changes(), (Changes{{"driver-package", L"oem7.inf", L"C:\\Store\\flt.inf", std::nullopt},
+                                          {"task", L"\\Update", L"Update", std::nullopt}}));
+  EXPECT_EQ(recorder->deletions(),
+            (Deletions{{"task", L"\\Update", 0, true}, {"task", L"\\Guarded", ports::code::access_denied, false}}));
 }
 
 TEST_F(RecorderTest, WhatTheHostDoesForItselfIsUnnotedAndTheLastErrorIsTheCalls) {

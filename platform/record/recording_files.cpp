@@ -119,10 +119,19 @@ void RecordingFiles::watch_tree(const wchar_t* from, const wchar_t* to) {
   }
 }
 
+bool RecordingFiles::rename(ports::Handle file, const wchar_t* to) {
+  const std::optional<std::wstring> from = ledger_.named(file);
+  if (from && to != nullptr) watch_tree(from->c_str(), to);
+  const bool done = inner_.rename(file, to);
+  if (done && from && to != nullptr) ledger_.add_move(from->c_str(), to);
+  return done;
+}
+
 bool RecordingFiles::move(const wchar_t* from, const wchar_t* to, std::uint32_t flags) {
   const bool delayed = (flags & ports::move_flag::delay_until_reboot) != 0;
   if (!delayed && from != nullptr && to != nullptr) watch_tree(from, to);
   const bool done = inner_.move(from, to, flags);
+  if (done && !delayed && from != nullptr && to != nullptr) ledger_.add_move(from, to);
   if (done && delayed) ledger_.book(from, to == nullptr ? L"delete" : L"move to " + plain_path(to));
   return done;
 }

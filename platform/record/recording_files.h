@@ -15,6 +15,7 @@ class RecordingFiles final : public ports::Files {
                      std::uint32_t flags) override;
   bool mark_deleted(ports::Handle file) override;
   bool set_attributes_of(ports::Handle file, std::uint32_t attributes) override;
+  bool rename(ports::Handle file, const wchar_t* to) override;
   bool set_attributes(const wchar_t* path, std::uint32_t attributes) override;
   bool remove(const wchar_t* path) override;
   bool remove_folder(const wchar_t* path) override;

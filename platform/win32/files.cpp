@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
+#include <string_view>
+#include <vector>
 
 #include "platform/win32/handles.h"
 #include "platform/win32/native_api.h"
@@ -126,6 +128,19 @@ bool Files::create_folder(const wchar_t* path) {
 
 bool Files::create_link(const wchar_t* link, const wchar_t* target, bool to_folder) {
   return CreateSymbolicLinkW(link, target, to_folder ? SYMBOLIC_LINK_FLAG_DIRECTORY : 0) != FALSE;
+}
+
+bool Files::rename(ports::Handle file, const wchar_t* to) {
+  const std::wstring_view path = to;
+  const std::size_t size = path.size() * sizeof(wchar_t);
+  // The structure has room for the terminator.
+  std::vector<std::uint64_t> block((sizeof(FILE_RENAME_INFO) + size) / sizeof(std::uint64_t) + 1);
+  auto& information = *reinterpret_cast<FILE_RENAME_INFO*>(block.data());
+  information.ReplaceIfExists = TRUE;
+  information.FileNameLength = static_cast<DWORD>(size);
+  std::copy(path.begin(), path.end(), information.FileName);
+  return SetFileInformationByHandle(native(file), FileRenameInfo, &information,
+                                    static_cast<DWORD>(sizeof(FILE_RENAME_INFO) + size)) != FALSE;
 }
 
 bool Files::move(const wchar_t* from, const wchar_t* to, std::uint32_t flags) {

@@ -77,6 +77,7 @@ std::wstring AttackedWorld::victim() {
 
 bool AttackedWorld::move_aside(const std::wstring& place) {
   if (inner.files.attributes(place.c_str()) == ports::file_attribute::invalid) return false;
+  let_go(place);
   const std::wstring aside = L"C:\\Aside\\" + std::wstring(machine::last_part(place));
   return inner.files.move(place.c_str(), aside.c_str(), 0);
 }
@@ -122,6 +123,13 @@ void AttackedWorld::hard_link(const std::wstring& place, const std::wstring& tar
   world.change([&](machine::State& state) {
     const machine::Found to = found(state.files, target);
     machine::add_name(state.files, to.node, found(state.files, place).place);
+  });
+}
+
+void AttackedWorld::let_go(const std::wstring& place) {
+  world.change([&](machine::State& state) {
+    const machine::Found there = found(state.files, place);
+    if (there.error == 0) machine::drop_holds(state.files, there.node, 0);
   });
 }
 

@@ -68,6 +68,8 @@ class AttackedWorld : public CommandWorld {
   [[nodiscard]] std::size_t moments() const { return watch_.passed(); }
 
  private:
+  /// Whoever has the file open closes it.
+  void let_go(const std::wstring& place);
   [[nodiscard]] bool move_aside(const std::wstring& place);
 
   Moments watch_{world.errors()};

@@ -238,6 +238,27 @@ TEST_P(Files, AMarkedFileGoesWithItsLastHandle) {
   EXPECT_TRUE(close(folder));
 }
 
+TEST_P(Files, WhatIsOpenGetsAnotherNameInPlaceOfAFile) {
+  make_file(L"from");
+  make_file(L"taken");
+  make_folder(L"folder");
+  const auto opened = [&](std::uint32_t wanted) {
+    return files().open(path(L"from").c_str(), wanted, share::all, ports::Disposition::open_existing,
+                        ports::open_flag::open_reparse_point);
+  };
+  const Handle reader = opened(access::read_attributes);
+  EXPECT_EQ(code_of(files().rename(reader, path(L"to").c_str())), code::access_denied);
+  const Handle file = opened(access::read_attributes | access::erase);
+  EXPECT_EQ(code_of(files().rename(file, path(L"no\\where").c_str())), code::path_not_found);
+  EXPECT_EQ(code_of(files().rename(file, path(L"folder").c_str())), code::access_denied);
+  EXPECT_TRUE(files().rename(file, path(L"taken").c_str())) << last_error();
+  EXPECT_FALSE(files().exists(path(L"from").c_str()));
+  EXPECT_TRUE(system().waits.close(reader));
+  EXPECT_TRUE(system().waits.close(file));
+  EXPECT_TRUE(files().remove(path(L"taken").c_str()));
+  EXPECT_TRUE(files().remove_folder(path(L"folder").c_str()));
+}
+
 TEST_P(Files, MovesSayWhatStandsInTheWay) {
   make_file(L"from", "new");
   make_file(L"taken", "old");

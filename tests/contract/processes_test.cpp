@@ -1,6 +1,6 @@
-#include "platform/ports/com.h"
 #include "platform/ports/processes.h"
 
+#include "platform/ports/com.h"
 #include "tests/contract/world.h"
 
 namespace contract {

@@ -10,10 +10,14 @@ std::string desk_path(const std::string& path) {
   return path;
 }
 
-int run_program(const std::string& program, const std::vector<std::string>& arguments) {
+std::string command_line(const std::string& program, const std::vector<std::string>& arguments) {
   std::string line = "'" + program + "'";
   for (const std::string& argument : arguments) line += " '" + argument + "'";
-  const int status = std::system((line + " >/dev/null").c_str());
+  return line;
+}
+
+int run_program(const std::string& program, const std::vector<std::string>& arguments) {
+  const int status = std::system((command_line(program, arguments) + " >/dev/null").c_str());
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 

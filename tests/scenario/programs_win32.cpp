@@ -15,13 +15,17 @@ std::string desk_path(const std::string& path) {
   return out;
 }
 
-int run_program(const std::string& program, const std::vector<std::string>& arguments) {
+std::string command_line(const std::string& program, const std::vector<std::string>& arguments) {
   std::string line = "\"" + program + "\"";
   for (const std::string& argument : arguments) line += " \"" + argument + "\"";
+  return line;
+}
+
+int run_program(const std::string& program, const std::vector<std::string>& arguments) {
   const ports::System& world = *ports::real_system(ports::Module::null);
   ports::CreatedProcess created;
-  if (!world.processes.create(base::strings::to_wide(line).c_str(), nullptr, ports::creation_flag::no_window,
-                              created)) {
+  if (!world.processes.create(base::strings::to_wide(command_line(program, arguments)).c_str(), nullptr,
+                              ports::creation_flag::no_window, created)) {
     return -1;
   }
   constexpr std::uint32_t limit = 100'000;

@@ -12,6 +12,7 @@
 #include "platform/machine/machine.h"
 #include "platform/ports/build.h"
 #include "platform/ports/files.h"
+#include "tests/contract/real_layout.h"
 #include "tests/scenario/laid_out.h"
 #include "tests/scenario/programs.h"
 #include "tests/scenario/samples.h"
@@ -75,6 +76,7 @@ picojson::object comparable_globals(const picojson::value& result, const picojso
 class RealRuns : public testing::TestWithParam<Sample> {};
 
 TEST_P(RealRuns, GiveTheCommandsAndGlobalsOfTheRehearsal) {
+  const contract::OwnHives hives;
   const Sample& sample = GetParam();
   const LaidOutMachine workshop(alike("workshop.json"));
   copy_folder(workshop.system, real(), L"C:\\KySample");
@@ -230,6 +232,7 @@ std::wstring lay_out_the_suite(const ports::System& like) {
 }
 
 TEST(Kysetup, RemovesForRealWhatTheRehearsalRemovesAndNothingElse) {
+  const contract::OwnHives hives;
   const std::string text = alike("suite-installed.json");
   LaidOutMachine like(text);
   const std::wstring program = lay_out_the_suite(like.system);

@@ -24,7 +24,7 @@ inline const std::vector<Sample>& samples() {
       {"edition-nothing", "nothing-installed", "", 0},
       {"closing", "workshop", "closing", 0},
       {"conditions", "workshop", "conditions", 0},
-      {"deletions", "workshop", "deletions", 0},
+      {"deletions", "workshop", "deletions", 3},
       {"documents", "workshop", "documents", 0},
       {"expressions", "workshop", "expressions", 0},
       {"jumps", "workshop", "jumps", 0},

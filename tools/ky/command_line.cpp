@@ -108,6 +108,7 @@ class CommandLine {
     take_name(app, "--script", rehearse_.script, "Plain script [the edition's]");
     add_script_key(app, rehearse_.script_key);
     take_name(app, "--out", rehearse_.out, "Folder for results, logs and the machine afterwards");
+    take_name(app, "--receipt", rehearse_.receipt, "File for the receipt: what is gone and what is not, as JSON");
     app.add_option("--max-steps", rehearse_.max_steps, "Steps after which a run that goes on is stopped")
         ->check(CLI::Range(std::uint64_t{1}, max_max_steps, "NUMBER"))
         ->capture_default_str();

@@ -32,10 +32,12 @@ TEST(CommandLine, EachSubcommandFillsItsOptions) {
 
   const auto rehearse =
       options_of<workbench::RehearseOptions>({"rehearse", "--machine", "m", "--max-steps", "5", "--out", "o",
-                                              "--parent", "p /force", "--", "/silent", "--", "--help", ""});
+                                              "--receipt", "r", "--parent", "p /force", "--", "/silent", "--", "--help",
+                                              ""});
   EXPECT_EQ(rehearse.machine, "m");
   EXPECT_FALSE(rehearse.script.has_value());
   EXPECT_EQ(rehearse.out, "o");
+  EXPECT_EQ(rehearse.receipt, "r");
   EXPECT_EQ(rehearse.max_steps, 5U);
   EXPECT_EQ(rehearse.parent, "p /force");
   EXPECT_EQ(rehearse.switches, (std::vector<std::string>{"/silent", "--", "--help", ""}));

@@ -45,8 +45,8 @@ struct ScriptGraphOptions {
   std::optional<std::string> script_key;
 };
 
-/// `ky rehearse --machine M.json [--script S.xml] [--script-key FILE] [--out DIR] [--max-steps N] [--parent LINE]
-/// [-- switches]`
+/// `ky rehearse --machine M.json [--script S.xml] [--script-key FILE] [--out DIR] [--receipt FILE] [--max-steps N]
+/// [--parent LINE] [-- switches]`
 struct RehearseOptions {
   static constexpr std::uint64_t default_max_steps = 1'000'000;
 
@@ -54,6 +54,7 @@ struct RehearseOptions {
   std::optional<std::string> script;  // absent: the edition's
   std::optional<std::string> script_key;
   std::optional<std::string> out;
+  std::optional<std::string> receipt;           // a file
   std::uint64_t max_steps = default_max_steps;  // at least 1
   std::optional<std::string> parent;            // the parent process's command line; absent: the machine's
   std::vector<std::string> switches;

@@ -15,6 +15,7 @@ inline constexpr KeyUse cleanup_inf_keys[] = {
     {"String_SystemPath", Access::reads, "where `pnputil.exe` lies, with its closing backslash"},
     {"String_WindowsPath", Access::reads, "the folder that `INF` is in"},
 };
+inline constexpr TargetSchema cleanup_inf_targets[] = {{.kind = TargetKind::driver_package, .name = "driverName"}};
 inline constexpr CommandSchema cleanup_inf = {
     .name = "CleanupINF",
     .log_name = "CleanupINF",
@@ -29,6 +30,7 @@ or more is not run. Where the INF folder is there but cannot be read, the run en
     .attributes = cleanup_inf_attributes,
     .keys = cleanup_inf_keys,
     .results = shape_results,
+    .targets = cleanup_inf_targets,
     .example = R"(<CleanupINF driverName="kyflt.inf"/>)",
 };
 

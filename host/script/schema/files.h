@@ -22,6 +22,7 @@ inline constexpr AttributeSchema delete_file_attributes[] = {
 inline constexpr ResultMeaning delete_file_results[] = {
     {"0", "always, also where the file is still there"},
 };
+inline constexpr TargetSchema delete_file_targets[] = {{.kind = TargetKind::file, .name = "pathFile"}};
 inline constexpr CommandSchema delete_file = {
     .name = "DeleteFile",
     .log_name = "CDeleteFileCommand",
@@ -37,6 +38,7 @@ The log has no begin and end lines for this command, and warns that the next ind
 has run.)",
     .attributes = delete_file_attributes,
     .results = delete_file_results,
+    .targets = delete_file_targets,
     .example = R"(<DeleteFile pathFile="[InstallPath]KyUI.exe" renameFile="1"/>)",
 };
 

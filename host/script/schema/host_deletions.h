@@ -31,6 +31,7 @@ inline constexpr ResultMeaning delete_folder_results[] = {
     {"1359", "another thread is inside the command"},
     {"other", "the error of the first thing that stays"},
 };
+inline constexpr TargetSchema delete_folder_targets[] = {{.kind = TargetKind::folder, .name = "path"}};
 inline constexpr CommandSchema delete_folder = {
     .name = "DeleteFolder",
     .log_name = "DeleteFolder",
@@ -45,6 +46,7 @@ What is booked for the next start goes by path at that time: book nothing below 
 change.)",
     .attributes = delete_folder_attributes,
     .results = delete_folder_results,
+    .targets = delete_folder_targets,
     .example = R"(<DeleteFolder path="[InstallPath]" recursive="1" deleteAfterReboot="1" moveToTemp="1"/>)",
 };
 
@@ -66,6 +68,12 @@ inline constexpr AttributeSchema registry_subkey = {
     .meaning = "The key below the root; below `HKEY_USERS` one that begins with `*\\` stands below each user's key.",
 };
 
+inline constexpr KeyUse delete_registry_keys[] = {
+    {.key = "int_x64",
+     .meaning = "not 0: the key is looked for in the view of 64-bit programs, as by `RegKeyExists`",
+     .may_be_unwritten = true},
+};
+
 inline constexpr AttributeSchema delete_reg_key_attributes[] = {
     registry_root,
     registry_subkey,
@@ -80,6 +88,8 @@ inline constexpr ResultMeaning delete_reg_key_results[] = {
     {"1359", "another thread is inside the command"},
     {"other", "the error of the first key that stays"},
 };
+inline constexpr TargetSchema delete_reg_key_targets[] = {
+    {.kind = TargetKind::registry_key, .name = "subkey", .root = "base"}};
 inline constexpr CommandSchema delete_reg_key = {
     .name = "DeleteRegKey",
     .log_name = "DeleteRegKey",
@@ -88,9 +98,12 @@ inline constexpr CommandSchema delete_reg_key = {
     .remarks =
         R"(It follows no link. Hives and the great branches that products lie below are refused, and so is an empty
 part of a key, so that a variable that turns out empty never widens a deletion; a closing backslash makes
-no difference. [The host](../host.md#deletions) has all of it.)",
+no difference. What 32-bit programs see goes by the path where it lies, `SOFTWARE\Wow6432Node\...`, in an
+element of its own. [The host](../host.md#deletions) has all of it.)",
     .attributes = delete_reg_key_attributes,
+    .keys = delete_registry_keys,
     .results = delete_reg_key_results,
+    .targets = delete_reg_key_targets,
     .example = R"(<DeleteRegKey base="HKEY_LOCAL_MACHINE" subkey="SOFTWARE\Tavrine\" recursive="1"/>)",
 };
 
@@ -108,14 +121,20 @@ inline constexpr ResultMeaning delete_reg_value_results[] = {
     {"87", "the base or the key is refused"},         {"681", "there is a link on the way or at its end"},
     {"1359", "another thread is inside the command"}, {"other", "the error of the deletion"},
 };
+inline constexpr TargetSchema delete_reg_value_targets[] = {
+    {.kind = TargetKind::registry_value, .name = "value", .place = "subkey", .root = "base"}};
 inline constexpr CommandSchema delete_reg_value = {
     .name = "DeleteRegValue",
     .log_name = "DeleteRegValue",
     .owner = Owner::host,
     .summary = "Deletes a registry value.",
-    .remarks = "It follows no link. [The host](../host.md#deletions) has all of it.",
+    .remarks =
+        R"(It follows no link. What 32-bit programs see goes by the path where it lies, `SOFTWARE\Wow6432Node\...`, in
+an element of its own. [The host](../host.md#deletions) has all of it.)",
     .attributes = delete_reg_value_attributes,
+    .keys = delete_registry_keys,
     .results = delete_reg_value_results,
+    .targets = delete_reg_value_targets,
     .example =
         R"(<DeleteRegValue base="HKEY_LOCAL_MACHINE" subkey="SOFTWARE\Microsoft\Windows\CurrentVersion\Run" value="Tavrine"/>)",
 };

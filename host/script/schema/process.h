@@ -34,6 +34,7 @@ inline constexpr AttributeSchema close_process_attributes[] = {
 inline constexpr ResultMeaning close_process_results[] = {
     {"0", "always, also where nothing was closed or another thread is inside the command"},
 };
+inline constexpr TargetSchema close_process_targets[] = {{.kind = TargetKind::process_name, .name = "process"}};
 inline constexpr CommandSchema close_process = {
     .name = "CloseProcess",
     .log_name = "CloseProcess",
@@ -53,6 +54,7 @@ Where the process is not running or cannot be opened the log warns that the next
 the command has run, and no other thread can run this element again.)",
     .attributes = close_process_attributes,
     .results = close_process_results,
+    .targets = close_process_targets,
     .example =
         R"(<CloseProcess process="KyTray.exe" command="[InstallPath]KyTray.exe" args="/quit" currentDir="[InstallPath]" waitAmount="5000"/>)",
 };
@@ -103,6 +105,8 @@ inline constexpr AttributeSchema close_processes_attributes[] = {
      .default_value = "0",
      .meaning = "1: the request runs under the desktop's token."},
 };
+inline constexpr TargetSchema close_processes_targets[] = {
+    {.kind = TargetKind::process_file, .name = "process", .place = "currentDir"}};
 inline constexpr CommandSchema close_processes = {
     .name = "CloseProcesses",
     .log_name = "CloseProcesses",
@@ -127,6 +131,7 @@ A number with an undefined variable is left out, with a line in the log. What is
 stays as it is then; in a loop, later runs see the first run's values.)",
     .attributes = close_processes_attributes,
     .results = shape_results,
+    .targets = close_processes_targets,
     .example =
         R"(<CloseProcesses maxTimeout="10000" process1="KyUI.exe" cmd1="[InstallPath]KyUI.exe /quit" currentDir1="[InstallPath]" process2="KyTray.exe" cmd2="/quit" currentDir2="[InstallPath]" limited2="1"/>)",
 };

@@ -23,7 +23,9 @@ inline constexpr AttributeSchema reg_key_exists_attributes[] = {
      .meaning = "The variable that receives 1 where the key is there; otherwise it stays as it is."},
 };
 inline constexpr KeyUse reg_key_exists_keys[] = {
-    {"int_x64", Access::reads, "not 0: the key is looked for in the view of 64-bit programs"},
+    {.key = "int_x64",
+     .meaning = "not 0: the key is looked for in the view of 64-bit programs",
+     .may_be_unwritten = true},
 };
 inline constexpr ResultMeaning reg_key_exists_results[] = {
     {"0", "also where the key is absent"},
@@ -49,6 +51,8 @@ run and stays as it is then; in a loop, later runs see the first run's values.)"
 inline constexpr KeyUse delete_ifeo_keys_keys[] = {
     {"String_IfeoExecutables", Access::reads, "the names of executables, without `.exe`, with `;` between them"},
 };
+inline constexpr TargetSchema delete_ifeo_keys_targets[] = {
+    {.kind = TargetKind::ifeo_keys, .name = "String_IfeoExecutables"}};
 inline constexpr CommandSchema delete_ifeo_keys = {
     .name = "DeleteIfeoKeys",
     .log_name = "DeleteIfeoKeys",
@@ -62,6 +66,7 @@ The log has no line with the next index for this command, and warns that the ind
 has run.)",
     .keys = delete_ifeo_keys_keys,
     .results = shape_results,
+    .targets = delete_ifeo_keys_targets,
     .example = R"(<DeleteIfeoKeys/>)",
 };
 

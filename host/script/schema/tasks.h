@@ -13,6 +13,7 @@ inline constexpr AttributeSchema remove_scheduled_task_attributes[] = {
      .keeps_expansion = true,
      .meaning = "The task's name, without a folder; case counts. Absent or empty: nothing is removed."},
 };
+inline constexpr TargetSchema remove_scheduled_task_targets[] = {{.kind = TargetKind::task, .name = "name"}};
 inline constexpr CommandSchema remove_scheduled_task = {
     .name = "RemoveScheduledTask",
     .log_name = "RemoveScheduledTask",
@@ -27,6 +28,7 @@ values.
 The log has no end line for this command, and warns that the next index is asked for before it has run.)",
     .attributes = remove_scheduled_task_attributes,
     .results = shape_results,
+    .targets = remove_scheduled_task_targets,
     .example = R"(<RemoveScheduledTask name="Tavrine Update"/>)",
 };
 

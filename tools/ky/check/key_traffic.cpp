@@ -108,7 +108,7 @@ class TrafficOf {
     for (const host::KeyUse& use : command_.schema->keys) {
       if (use.access == Access::writes) {
         traffic_.writes.emplace_back(use.key);
-      } else if (use.access == Access::reads && !is_moot(use.key)) {
+      } else if (use.access == Access::reads && !use.may_be_unwritten && !is_moot(use.key)) {
         traffic_.reads.push_back({std::string(use.key), ReadAs::value, nullptr});
       }
     }

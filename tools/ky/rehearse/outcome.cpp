@@ -48,6 +48,23 @@ ProcessEnd end_of(const record::SeenProcess& process) {
   return {ProcessFate::not_ours};
 }
 
+const char* reason_of(ProcessFate fate) {
+  switch (fate) {
+    case ProcessFate::not_ours:
+      return "another file of that name";
+    case ProcessFate::unreadable:
+      return "its path cannot be read";
+    case ProcessFate::not_opened:
+      return "it cannot be opened";
+    case ProcessFate::still_runs:
+      return "it still runs";
+    case ProcessFate::closed:
+    case ProcessFate::terminated:
+      break;
+  }
+  return "";
+}
+
 bool went_well(const Outcome& outcome) {
   return outcome.return_code == 0 && outcome.ended_early.empty() && !outcome.stopped;
 }

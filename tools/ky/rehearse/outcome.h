@@ -10,6 +10,7 @@
 
 #include "platform/record/change.h"
 #include "platform/record/seen_process.h"
+#include "tools/ky/receipt/target_book.h"
 
 namespace rehearsal {
 
@@ -47,6 +48,9 @@ struct Outcome {
   std::vector<record::Deletion> deletions;
   std::vector<record::LogFile> logs;
   std::vector<record::SeenProcess> processes;
+  std::vector<record::Move> moves;
+  /// What the script's deleting and closing commands name.
+  receipt::Named named;
 };
 
 /// What became of a thing that was to be deleted.
@@ -70,6 +74,8 @@ struct ProcessEnd {
   ports::ErrorCode code = 0;  // of what failed
 };
 [[nodiscard]] ProcessEnd end_of(const record::SeenProcess& process);
+/// Why it was left alone, in words; empty for one that ended.
+[[nodiscard]] const char* reason_of(ProcessFate fate);
 
 /// True when the run came to its end with return code 0.
 [[nodiscard]] bool went_well(const Outcome& outcome);

@@ -12,6 +12,8 @@
 #include "platform/ports/build.h"
 #include "resources/edition.h"
 #include "tools/ky/bad_input.h"
+#include "tools/ky/receipt/settle.h"
+#include "tools/ky/rehearse/account.h"
 #include "tools/ky/rehearse/noting_cng.h"
 #include "tools/ky/rehearse/report.h"
 #include "tools/ky/rehearse/run_and_report.h"
@@ -74,6 +76,7 @@ int rehearse(const RehearseOptions& options, std::ostream& out, std::ostream& er
   }
   const auto world = std::make_unique<machine::Machine>(
       std::move(state), machine_options(options, [&on_stop](const ports::StopReason& reason) { on_stop(reason); }));
+  const machine::State before = world->state();
   const auto engines = ports::make_engines(world->errors());
   const auto source = rehearsal::script_source(options.script, options.script_key, engines->cipher());
   add_document(*world, edition::script_id, source.bytes);
@@ -96,6 +99,11 @@ int rehearse(const RehearseOptions& options, std::ostream& out, std::ostream& er
     world->change([&parent](machine::State& left) { left.environment.parent = parent; });
     return world->to_json();
   });
+  report.add_receipt(
+      [&](const rehearsal::Outcome& outcome) {
+        return receipt::settle(rehearsal::account_of(outcome, world->text()), before, world->state());
+      },
+      options.receipt);
   on_stop = [&](const ports::StopReason& reason) {
     report.finish(run.stopped(reason));
     std::_Exit(EXIT_FAILURE);

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "tools/ky/receipt/receipt.h"
 #include "tools/ky/rehearse/outcome.h"
 #include "tools/ky/rehearse/output_folder.h"
 
@@ -29,17 +30,26 @@ class Report {
     extra_name_ = std::move(name);
     extra_ = std::move(content);
   }
+  /// Settles what became of everything that the script names, when the run has ended. The summary then ends with it,
+  /// it is written to `file` where there is one, and what is still there makes the exit code 3.
+  using Settle = std::function<receipt::Receipt(const Outcome&)>;
+  void add_receipt(Settle settle, std::optional<std::string> file) {
+    settle_ = std::move(settle);
+    receipt_file_ = std::move(file);
+  }
   /// Whether log.txt is written; it is unless the run's log is to stay sealed.
   void keep_log(bool keep) { keep_log_ = keep; }
 
   /// Makes sure that there is a place for the files; throws `workbench::BadInput` where there is none.
   void open() { folder_.make(); }
 
-  /// Writes the files and the summary. Gives the exit code: 0 when the run went well, else 1.
+  /// Writes the files and the summary. Gives the exit code: 1 where the process stopped or something could not be
+  /// written; 3 where the receipt names what is still there; 0 when the run went well, else 1.
   int finish(const Outcome& outcome);
 
  private:
   bool write(const std::string& name, const std::string& bytes);
+  bool write_receipt(const receipt::Receipt& receipt);
 
   std::string title_;
   OutputFolder& folder_;
@@ -50,6 +60,8 @@ class Report {
   bool keep_log_ = true;
   std::string extra_name_;
   std::function<std::string()> extra_;
+  Settle settle_;
+  std::optional<std::string> receipt_file_;
 };
 
 }  // namespace rehearsal

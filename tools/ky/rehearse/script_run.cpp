@@ -72,7 +72,11 @@ std::vector<std::string> ScriptRun::prepare(std::string_view enciphered, const h
   if (reasons.empty()) {
     const script::TextCipher cipher(recorder_.system().cipher, key);
     const std::string plain = script::decompile(script::read_plain_script({}, enciphered), cipher);
-    clock_keys_ = clock_keys(script::read_plain_script({}, plain));
+    const script::PlainScript readable = script::read_plain_script({}, plain);
+    clock_keys_ = clock_keys(readable);
+    std::vector<std::int32_t> indexes;
+    for (const host::ProgramStep& step : program().steps()) indexes.push_back(step.index);
+    targets_ = receipt::TargetBook(readable, indexes);
   }
   return reasons;
 }
@@ -101,11 +105,13 @@ Outcome ScriptRun::stopped(const ports::StopReason& reason) const {
 
 void ScriptRun::before(const host::ProgramStep& step) {
   current_ = {step.index, step.name, true, 0, -1};
+  targets_.before(step.index, variables());
   if (progress_) progress_(commands_.size() + 1, step.name);
 }
 
 void ScriptRun::after(const host::ProgramStep& step, const host::StepOutcome& outcome) {
   commands_.push_back({step.index, step.name, outcome.run, outcome.result, outcome.next});
+  targets_.after(step.index, outcome.run, outcome.result);
   const auto* const deleting = dynamic_cast<const host::DeletingCommand*>(step.command.get());
   if (deleting == nullptr || !outcome.run || !deleting->asked_for()) return;
   const bool done = outcome.result == ports::code::success;
@@ -113,10 +119,24 @@ void ScriptRun::after(const host::ProgramStep& step, const host::StepOutcome& ou
                         done ? ports::code::file_not_found : outcome.result, done});
 }
 
+receipt::Variables ScriptRun::variables() const {
+  const host::Store& store = session_->store();
+  const auto text = [&store](std::wstring_view name) -> std::optional<std::wstring> {
+    std::string key(ky::string_prefix);
+    // As the commands do it: a name's characters become a key's by their low bytes.
+    for (const wchar_t unit : name) key.push_back(static_cast<char>(static_cast<unsigned char>(unit & 0xFF)));
+    const auto* const found = ky::FromStored<ky::CString*>(store.get(key));
+    if (found == nullptr || found->value == nullptr) return std::nullopt;
+    return std::wstring(found->value);
+  };
+  return {text, ky::FromStored<std::int32_t>(store.get(ky::keys::int_x64.name)) != 0};
+}
+
 Outcome ScriptRun::seen_so_far() const {
   Outcome outcome;
   outcome.commands = commands_;
   outcome.globals = globals_of(session_->store());
+  outcome.named = targets_.names(variables());
   outcome.environment = environment_keys(outcome.globals);
   for (const std::string& key : clock_keys_) {
     if (outcome.globals.contains(key)) outcome.environment.insert(key);
@@ -130,6 +150,7 @@ void ScriptRun::gather_changes(Outcome& outcome) const {
   outcome.deletions = recorder_.deletions();
   outcome.logs = recorder_.logs();
   outcome.processes = recorder_.processes();
+  outcome.moves = recorder_.moves();
   for (const record::Deletion& asked : asked_for_) {
     const bool seen = std::any_of(outcome.deletions.begin(), outcome.deletions.end(), [&asked](const auto& deletion) {
       return base::strings::equal_ignoring_case(deletion.path, asked.path);

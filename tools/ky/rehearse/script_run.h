@@ -14,6 +14,7 @@
 #include "platform/ports/system.h"
 #include "platform/ports/termination.h"
 #include "platform/record/recorder.h"
+#include "tools/ky/receipt/target_book.h"
 #include "tools/ky/rehearse/outcome.h"
 #include "tools/ky/rehearse/plain_log.h"
 
@@ -46,6 +47,7 @@ class ScriptRun final : private host::RunObserver {
  private:
   void before(const host::ProgramStep& step) override;
   void after(const host::ProgramStep& step, const host::StepOutcome& outcome) override;
+  [[nodiscard]] receipt::Variables variables() const;
   [[nodiscard]] Outcome seen_so_far() const;
   void gather_changes(Outcome& outcome) const;
 
@@ -58,6 +60,7 @@ class ScriptRun final : private host::RunObserver {
   /// The keys that come from the clock, whatever the run.
   std::set<std::string> clock_keys_;
   std::vector<CommandRun> commands_;
+  receipt::TargetBook targets_;
   /// What deleting commands were asked for, with their results: for what nothing was there to show it.
   std::vector<record::Deletion> asked_for_;
   /// The command at hand; its outcome is not known yet.

@@ -26,6 +26,8 @@ const std::map<std::string, std::array<const char*, 2>, std::less<>> kind_words 
     {"link", {"link", "links"}},
     {"registry-key", {"registry key", "registry keys"}},
     {"registry-value", {"registry value", "registry values"}},
+    {"task", {"task", "tasks"}},
+    {"driver-package", {"driver package", "driver packages"}},
     {"delayed-move", {"move booked for the next start", "moves booked for the next start"}},
 };
 
@@ -56,7 +58,8 @@ void print_changes(const Outcome& outcome, std::ostream& out) {
   }
   out << "  Changes      " << (by_kind.empty() ? "none\n" : "");
   const char* indent = "";
-  for (const auto& [kind, count] : by_kind) {
+  for (const auto& [name, count] : by_kind) {
+    const std::string& kind = name;
     const char* separator = "";
     out << indent;
     const auto part = [&](std::size_t number, const char* what) {
@@ -84,23 +87,8 @@ void print_deletions(const Outcome& outcome, Fate fate, const char* heading, std
 }
 
 std::string reason_of(const ProcessEnd& end) {
-  const auto with_code = [&end](const char* text) {
-    return end.code == 0 ? std::string(text) : text + (", error " + std::to_string(end.code));
-  };
-  switch (end.fate) {
-    case ProcessFate::not_ours:
-      return "another file of that name";
-    case ProcessFate::unreadable:
-      return with_code("its path cannot be read");
-    case ProcessFate::not_opened:
-      return with_code("it cannot be opened");
-    case ProcessFate::still_runs:
-      return with_code("it still runs");
-    case ProcessFate::closed:
-    case ProcessFate::terminated:
-      break;
-  }
-  return {};
+  const std::string text = reason_of(end.fate);
+  return text.empty() || end.code == 0 ? text : text + ", error " + std::to_string(end.code);
 }
 
 void print_processes(const Outcome& outcome, const char* heading, bool (*wanted)(ProcessFate), std::ostream& out) {
@@ -133,9 +121,35 @@ void print_end(const Outcome& outcome, std::ostream& out) {
   out << "  Return code  " << outcome.return_code << '\n';
 }
 
+void print_receipt(const receipt::Receipt& receipt, std::ostream& out) {
+  using receipt::State;
+  out << "  Receipt      " << receipt.rows.size() << " named: " << receipt.count(State::removed_now) << " removed now, "
+      << receipt.count(State::already_absent) << " already absent, " << receipt.count(State::still_there)
+      << " still there";
+  if (!receipt.not_named.empty()) out << "; " << receipt.not_named.size() << " not named";
+  out << '\n';
+  const char* indent = "  Still there  ";
+  for (const receipt::Row& row : receipt.rows) {
+    if (row.state != State::still_there) continue;
+    out << indent << to_utf8(row.target.path);
+    if (row.target.kind == host::TargetKind::registry_value) {
+      out << '\\' << (row.target.value.empty() ? "(default)" : to_utf8(row.target.value));
+    }
+    out << "  (" << receipt::to_text(row.target.kind) << ": " << to_utf8(row.reason) << ")\n";
+    indent = "               ";
+  }
+  indent = "  Not named    ";
+  for (const receipt::NotNamed& missing : receipt.not_named) {
+    out << indent << missing.index << ": " << missing.command << " " << missing.what.attribute << " \""
+        << to_utf8(missing.what.text) << "\": " << to_utf8(missing.what.reason) << '\n';
+    indent = "               ";
+  }
+}
+
 }  // namespace
 
-void print_summary(const SummaryFrame& frame, const Outcome& outcome, std::ostream& out) {
+void print_summary(const SummaryFrame& frame, const Outcome& outcome, const receipt::Receipt* receipt,
+                   std::ostream& out) {
   out << frame.title << "\n\n";
   print_commands(outcome, out);
   print_changes(outcome, out);
@@ -145,7 +159,8 @@ void print_summary(const SummaryFrame& frame, const Outcome& outcome, std::ostre
   print_all_processes(outcome, out);
   print_deletions(outcome, Fate::removed, "  Removed      ", out);
   print_deletions(outcome, Fate::absent, "  Was absent   ", out);
-  print_deletions(outcome, Fate::remains, "  Still there  ", out);
+  if (receipt == nullptr) print_deletions(outcome, Fate::remains, "  Still there  ", out);
+  if (receipt != nullptr) print_receipt(*receipt, out);
   print_end(outcome, out);
   if (frame.files.empty()) return;
   out << "  Files        " << frame.folder << ":";

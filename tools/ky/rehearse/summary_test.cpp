@@ -32,7 +32,7 @@ TEST(Summary, ShowsCommandsChangesProcessesDeletionsAndTheEnd) {
   outcome.processes.push_back(process);
   outcome.stopped = Stop{7, "Jump", "no text"};
   std::ostringstream out;
-  print_summary({"Title", "out", {"result.json", "log.txt"}}, outcome, out);
+  print_summary({"Title", "out", {"result.json", "log.txt"}}, outcome, nullptr, out);
   EXPECT_EQ(out.str(),
             "Title\n\n"
             "  Commands     2 run, 1 skipped; 1 with a result other than 0\n"
@@ -51,6 +51,28 @@ TEST(Summary, ShowsCommandsChangesProcessesDeletionsAndTheEnd) {
             "  Stopped      at 7: Jump: no text\n"
             "  Return code  1359\n"
             "  Files        out: result.json log.txt\n");
+}
+
+TEST(Summary, AReceiptStandsForTheDeletionsThatFailed) {
+  Outcome outcome;
+  outcome.deletions = {{"folder", L"C:\\held", 32, false}};
+  receipt::Receipt receipt;
+  receipt.rows.resize(3);
+  receipt.rows[0].state = receipt::State::removed_now;
+  receipt.rows[1] = {{host::TargetKind::folder, L"C:\\held"}, receipt::State::still_there, L"error 32"};
+  receipt.rows[2] = {{host::TargetKind::registry_value, L"HKEY_USERS\\u"}, receipt::State::still_there, L"error 5"};
+  receipt.not_named = {{7, "DeleteFile", {"pathFile", L"[X]a", L"[X] is never set"}}};
+  std::ostringstream out;
+  print_summary({"Title", "", {}}, outcome, &receipt, out);
+  EXPECT_EQ(out.str(),
+            "Title\n\n"
+            "  Commands     0 run, 0 skipped\n"
+            "  Changes      none\n"
+            "  Receipt      3 named: 1 removed now, 0 already absent, 2 still there; 1 not named\n"
+            "  Still there  C:\\held  (folder: error 32)\n"
+            "               HKEY_USERS\\u\\(default)  (registry-value: error 5)\n"
+            "  Not named    7: DeleteFile pathFile \"[X]a\": [X] is never set\n"
+            "  Return code  0\n");
 }
 
 }  // namespace

@@ -49,8 +49,8 @@ TEST_F(Launch, WhatDoesNotStartIsAllZero) {
 
 TEST_F(Launch, TheDesktopTakesARequestOrNobodyDoes) {
   EXPECT_TRUE(ShellExecuteAsDesktopUser(tool, L"/x", L"C:\\Tools", L""));
-  for (const Operation operation : {Operation::processes_initialize_com, Operation::processes_find_desktop,
-                                    Operation::processes_execute_on_desktop}) {
+  for (const Operation operation :
+       {Operation::com_initialize, Operation::processes_find_desktop, Operation::processes_execute_on_desktop}) {
     start();
     faulty->fail(operation, 1, false, static_cast<ports::ErrorCode>(ports::code::fail));
     EXPECT_FALSE(ShellExecuteAsDesktopUser(tool, L"/x", L"C:\\Tools", L""));
