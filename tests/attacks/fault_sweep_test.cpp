@@ -77,7 +77,7 @@ std::string told(const ports::StopReason& reason) {
 /// How many calls of one operation are tried; KY_SWEEP_CALLS=0 tries them all.
 std::uint64_t calls_tried() {
   const char* const text = std::getenv("KY_SWEEP_CALLS");
-  const std::uint64_t most = text == nullptr ? 6 : std::strtoull(text, nullptr, 10);
+  const std::uint64_t most = text == nullptr ? 8 : std::strtoull(text, nullptr, 10);
   return most == 0 ? ~std::uint64_t{0} : most;
 }
 
