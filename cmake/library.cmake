@@ -18,10 +18,13 @@ function(ky_unit_tests)
   endforeach()
 endfunction()
 
-# ky_test_program(name SOURCES ... LINKS ... [NEEDS fixture ...]): a GoogleTest program whose cases ctest runs one by one,
-# after the tests that set up the fixtures.
+# ky_test_program(name SOURCES ... LINKS ... [NEEDS fixture ...] [LIMIT seconds]): a GoogleTest program whose cases ctest
+# runs one by one, after the tests that set up the fixtures, each for at most so long (180).
 function(ky_test_program name)
-  cmake_parse_arguments(arg "" "" "SOURCES;LINKS;NEEDS" ${ARGN})
+  cmake_parse_arguments(arg "" "LIMIT" "SOURCES;LINKS;NEEDS" ${ARGN})
+  if(NOT arg_LIMIT)
+    set(arg_LIMIT 180)
+  endif()
   add_executable(${name} ${arg_SOURCES})
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}" "${PROJECT_SOURCE_DIR}/include")
   target_link_libraries(${name} PRIVATE ${arg_LINKS} ky_googletest)
@@ -30,5 +33,5 @@ function(ky_test_program name)
     "KY_LOG_PUBLIC_KEY=\"${KY_LOG_PUBLIC_KEY}\"")
   include(GoogleTest)
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120
-    PROPERTIES TIMEOUT 180 FIXTURES_REQUIRED "${arg_NEEDS}")
+    PROPERTIES TIMEOUT ${arg_LIMIT} FIXTURES_REQUIRED "${arg_NEEDS}")
 endfunction()

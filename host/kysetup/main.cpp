@@ -14,6 +14,7 @@
 #include "installer/utils/base/strings/format.h"
 #include "installer/utils/base/strings/utf8.h"
 #include "platform/ports/build.h"
+#include "platform/ports/files.h"
 #include "platform/ports/modules.h"
 #include "platform/win32/library_search.h"
 
@@ -32,8 +33,12 @@ std::string refusal(const std::wstring& path, const std::wstring& own_signer) {
   if (own_signer.empty()) return {};
   std::error_code error;
   if (!base::process::IsFileTrusted(path, error)) {
-    return "its signature is not trusted, result " +
-           base::strings::to_utf8(base::strings::format(L"0x%08x", static_cast<std::uint32_t>(error.value())));
+    if (!ports::system().files.exists(path.c_str())) return {};
+    // A subject that is not trusted is told without a code.
+    return "its signature is not trusted" +
+           (error ? ", result " + base::strings::to_utf8(
+                                      base::strings::format(L"0x%08x", static_cast<std::uint32_t>(error.value())))
+                  : std::string());
   }
   const base::process::SignerInfo signer = base::process::ReadSignerInfo(path, error);
   if (signer.signing.subject == own_signer) return {};

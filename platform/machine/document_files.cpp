@@ -148,6 +148,7 @@ NodeId place_node(const JsonNode& row, FileTree& tree, std::set<NodeId>& told) {
     if (!node.folder || node.link != LinkKind::none) row.member("path").fail("other files lie below this path");
     node.children.insert(there.children.begin(), there.children.end());
     node.places = {place};
+    node.root = there.root;
     Children& beside = tree.nodes.at(place.folder).children;
     beside.erase(place.name);
     beside.emplace(place.name, id);

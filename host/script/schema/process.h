@@ -29,7 +29,7 @@ inline constexpr AttributeSchema close_process_attributes[] = {
     {.name = "waitAmount",
      .form = Form::milliseconds,
      .required = true,
-     .meaning = "How long the process has got to end before it is terminated; negative: without limit."},
+     .meaning = "How long the process has got to end before it is terminated; `INFINITE` or -1: without limit."},
 };
 inline constexpr ResultMeaning close_process_results[] = {
     {"0", "always, also where nothing was closed or another thread is inside the command"},
@@ -115,7 +115,7 @@ inline constexpr CommandSchema close_processes = {
     .remarks =
         R"(A process is closed only where its file is the very file that `currentDir<n>` and `process<n>` name; what else
 runs under that name is left alone, and told in the log. A folder given in its short form or by a
-substituted drive is another spelling and recognises nothing. `docs/security.md` tells how.
+substituted drive is mostly of another length and then recognises nothing. `docs/security.md` tells how.
 
 A number counts only with all three of `process<n>`, `cmd<n>` and `currentDir<n>`. Numbers may be missing,
 and go up to a third of the count of the element's attributes, without `maxTimeout`: number them from 1 on.
@@ -133,7 +133,7 @@ stays as it is then; in a loop, later runs see the first run's values.)",
     .results = shape_results,
     .targets = close_processes_targets,
     .example =
-        R"(<CloseProcesses maxTimeout="10000" process1="KyUI.exe" cmd1="[InstallPath]KyUI.exe /quit" currentDir1="[InstallPath]" process2="KyTray.exe" cmd2="/quit" currentDir2="[InstallPath]" limited2="1"/>)",
+        R"(<CloseProcesses maxTimeout="10000" process1="KyUI.exe" cmd1='"[InstallPath]KyUI.exe" /quit' currentDir1="[InstallPath]" process2="KyTray.exe" cmd2="/quit" currentDir2="[InstallPath]" limited2="1"/>)",
 };
 
 inline constexpr AttributeSchema run_dll32_attributes[] = {

@@ -18,7 +18,7 @@ namespace {
 
 constexpr wchar_t log_name[] = L"CommandLineParser";
 
-/// Empty where there is no parent any more, or its line cannot be read.
+/// Empty where the parent has ended, unless its id is somebody else's by now, or where its line cannot be read.
 std::wstring ParentLine() {
   const auto own = base::process::QueryProcessBasicInfo(ports::system().inspection.current());
   const auto parent = static_cast<std::uint32_t>(own.information.parent_id);

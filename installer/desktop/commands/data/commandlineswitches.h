@@ -7,7 +7,7 @@
 
 namespace ky {
 
-/// The parameters of a command line that may be known to the log and to scripts. Those that end in "=" or ":" have a
+/// The parameters of a command line that scripts may know. Those that end in "=" or ":" have a
 /// value, the others are flags. Both sets are sorted by code unit.
 struct KnownParameters {
   std::set<std::wstring> flags;

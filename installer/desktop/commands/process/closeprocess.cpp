@@ -100,7 +100,7 @@ bool CCloseProcess::Run() {
   return true;
 }
 
-/// The command has a second turn: a variable that was missing may have been put meanwhile.
+/// The command has a second turn, deliberately: an expanded text that holds a name again is expanded once more.
 void CCloseProcess::ExpandFields() {
   for (HeapString* const field : {&command, &process, &command, &currentDir}) {
     wchar_t* expanded = nullptr;

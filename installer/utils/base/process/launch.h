@@ -16,7 +16,7 @@ struct LaunchedProcess {
 };
 
 /// Starts a command line without a window (CreateProcessW), in `currentDir` or, where that is empty, in this process's
-/// own folder. An empty command line starts nothing. Why a start failed is not told.
+/// current folder. An empty command line starts nothing. Why a start failed is not told.
 [[nodiscard]] LaunchedProcess RunCommandLine(const std::wstring& commandLine, const std::wstring& currentDir);
 
 /// Closes both handles where they are neither null nor invalid.
