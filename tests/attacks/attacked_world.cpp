@@ -59,8 +59,9 @@ std::wstring AttackedWorld::victim() {
   for (const auto& [id, node] : state.files.nodes) {
     const std::wstring path = machine::path_of(state.files, id);
     if (!lies_in(path, victim_folder)) continue;
+    const std::vector<std::uint8_t> bytes = node.bytes.all();
     rows.push_back(path + L" " + std::to_wstring(machine::reported_attributes(node)) + L" " +
-                   std::wstring(node.bytes.begin(), node.bytes.end()) + (node.going ? L" going" : L""));
+                   std::wstring(bytes.begin(), bytes.end()) + (node.going ? L" going" : L""));
   }
   for (const auto& [id, node] : state.registry.keys) {
     const std::wstring path = machine::key_path(state.registry, id);

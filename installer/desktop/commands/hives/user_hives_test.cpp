@@ -163,7 +163,7 @@ TEST(RegLoadAllUserHives, ASecondRunHoldsEachProfileTwiceAndTriesEachAgain) {
 TEST(RegLoadAllUserHives, OfAThousandUsersTwoCannotBeMountedAndAllOthersComeAndGo) {
   NamedWorld world;
   support::add_profiles(world, 1000);
-  world.node(L"C:\\Users\\user1400\\NTUSER.DAT").bytes = {1, 2, 3};
+  world.node(L"C:\\Users\\user1400\\NTUSER.DAT").bytes = std::vector<std::uint8_t>{1, 2, 3};
   world.held(L"C:\\Users\\user1700\\NTUSER.DAT", 1, ports::file_share::all);
   Trial run(world);
   run.mount();
