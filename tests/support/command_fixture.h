@@ -33,8 +33,7 @@ class CommandWorld {
 
   explicit CommandWorld(machine::State state = machine::bare_state()) : world(std::move(state), {}) {
     EXPECT_EQ(session.start(host::built_in_script_key()), "");
-    ky::ILoggerApi* const kept = new support::KeptLog(log);
-    session.store().put(ky::keys::SelfFree_LoggerApi.name, ky::ToStored(kept));
+    session.store().put(ky::keys::SelfFree_LoggerApi.name, ky::ToStored<ky::ILoggerApi*>(kept));
   }
 
   /// A map with one reference, which the receiver takes over.
@@ -109,6 +108,7 @@ class CommandWorld {
   std::vector<std::wstring> log;
   host::TableFactories library{ky::library::factories()};
   host::Session session{system, library};
+  support::KeptLog* const kept = new support::KeptLog(log);  // the store's
 };
 
 class CommandFixture : public ::testing::Test, protected CommandWorld {};

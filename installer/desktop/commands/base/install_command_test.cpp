@@ -5,6 +5,7 @@
 #include "installer/desktop/commands/base/decipher.h"
 #include "installer/desktop/commands/base/expand.h"
 #include "installer/extern/base/include/winapi/com_error.h"
+#include "platform/ports/codes.h"
 #include "tests/support/command_fixture.h"
 
 namespace ky {
@@ -124,36 +125,42 @@ TEST_F(InstallCommand, EveryGuardedCommandTellsTheSecondThreadInItsOwnWords) {
   };
   put("Doc", L"<r/>");
   for (const auto& row : rows) {
-    // The log calls back while the command is inside: the moment for another thread.
-    struct Intruder final : Destroyable<Intruder, ILoggerApi> {
-      explicit Intruder(std::vector<std::wstring>& kept) : lines(kept) {}
-      void WriteFormatted(const wchar_t* format, std::va_list arguments) override {
-        WriteLine(base::strings::format_v(format, arguments).c_str());
-      }
-      void WriteLine(const wchar_t* text) override {
-        lines.emplace_back(text);
-        if (std::exchange(entered, true)) return;
-        std::thread([this] { result = command->Execute(0, 0); }).join();
-      }
-      void StartThreadLog(const wchar_t*, bool) override {}
-      void SetXorKey(const char*) override {}
-      void SetMergedNameTag(const wchar_t*) override {}
-      std::vector<std::wstring>& lines;
-      CInstallCommand* command = nullptr;
-      bool entered = false;
-      std::uint32_t result = 0;
-    };
     log.clear();
     const Loaded loaded = load(row.stem, row.attributes);
-    auto* const intruder = new Intruder(log);
-    intruder->command = loaded.command.get();
-    ILoggerApi* const former = FromStored<ILoggerApi*>(session.store().get(keys::SelfFree_LoggerApi.name));
-    session.store().put(keys::SelfFree_LoggerApi.name, ToStored<ILoggerApi*>(intruder));
+    std::uint32_t result = 0;
+    // While the command is inside: the moment for another thread.
+    kept->on_line = [&] {
+      if (log.size() == 1) std::thread([&] { result = loaded.command->Execute(0, 0); }).join();
+    };
     EXPECT_EQ(loaded.command->Execute(0, 0), 0u) << row.stem;
-    EXPECT_EQ(intruder->result, 1359u) << row.stem;
+    EXPECT_EQ(result, 1359u) << row.stem;
     EXPECT_EQ(log.at(1), row.line);
-    session.store().put(keys::SelfFree_LoggerApi.name, ToStored(former));
-    Release(intruder);
+  }
+}
+
+TEST_F(InstallCommand, AnUnreadableAttributeEndsTheLoadOnlyWhereTheResultHangsOnIt) {
+  const struct {
+    const char* stem;
+    Attributes attributes;
+    const char* ends;  // one for each attribute: 'y' where its failed read is the result, else 0 is
+  } rows[] = {
+      {"RegKeyExists", {{"errVar", "e"}, {"base", "HKEY_USERS"}, {"subkey", "a"}, {"variable", "b"}}, "nyyy"},
+      {"RunDll32",
+       {{"errVar", "e"}, {"filePath", "a"}, {"arguments", "b"}, {"currentDir", "c"}, {"waitAmount", "1"}},
+       "nyyyn"},
+      {"CleanupINF", {{"errVar", "e"}, {"driverName", "a"}}, "nn"},
+      {"CleanupINF", {{"errVar", "e"}}, "y"},
+      {"RemoveScheduledTask", {{"errVar", "e"}, {"name", "a"}}, "nn"},
+      {"RemoveScheduledTask", {{"errVar", "e"}}, "y"},
+  };
+  for (const auto& row : rows) {
+    for (std::size_t i = 0; i < row.attributes.size(); ++i) {
+      const std::uint64_t before = faulty.calls(faults::Operation::xml_text);
+      faulty.fail(faults::Operation::xml_text, before + i + 1, false, static_cast<ports::ErrorCode>(ports::code::fail));
+      EXPECT_EQ(load(row.stem, row.attributes).result,
+                row.ends[i] == 'y' ? static_cast<std::uint32_t>(ports::code::fail) : 0u)
+          << row.stem << ' ' << row.attributes[i].first;
+    }
   }
 }
 

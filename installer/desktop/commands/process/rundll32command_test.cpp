@@ -111,32 +111,16 @@ TEST(RunDll32, AProgramThatDoesNotStartIsTold) {
 }
 
 TEST(RunDll32, ASecondThreadExpandsAndEndsWithoutAWordOfItsOwn) {
-  // The log calls back behind the guard: the moment for another thread.
-  struct Intruder final : Destroyable<Intruder, ILoggerApi> {
-    void WriteFormatted(const wchar_t* format, std::va_list arguments) override {
-      WriteLine(base::strings::format_v(format, arguments).c_str());
-    }
-    void WriteLine(const wchar_t* text) override {
-      lines.emplace_back(text);
-      if (lines.size() == 2) std::thread([this] { result = command->Execute(0, 0); }).join();
-    }
-    void StartThreadLog(const wchar_t*, bool) override {}
-    void SetXorKey(const char*) override {}
-    void SetMergedNameTag(const wchar_t*) override {}
-    Lines lines;
-    CInstallCommand* command = nullptr;
-    std::uint32_t result = 1;
-  };
   Trial run;
   const auto loaded = run.load("RunDll32", usual);
-  Intruder intruder;
-  intruder.command = loaded.command.get();
-  const std::uint64_t former = run.session.store().get(keys::SelfFree_LoggerApi.name);
-  run.session.store().put(keys::SelfFree_LoggerApi.name, ToStored<ILoggerApi*>(&intruder));
+  std::uint32_t result = 1;
+  // Behind the guard: the moment for another thread.
+  run.kept->on_line = [&] {
+    if (run.log.size() == 2) std::thread([&] { result = loaded.command->Execute(0, 0); }).join();
+  };
   EXPECT_EQ(loaded.command->Execute(0, 0), 0u);
-  run.session.store().put(keys::SelfFree_LoggerApi.name, former);
-  EXPECT_EQ(intruder.result, 0u);
-  EXPECT_EQ(Lines(intruder.lines.begin() + 2, intruder.lines.begin() + 8),
+  EXPECT_EQ(result, 0u);
+  EXPECT_EQ(Lines(run.log.begin() + 2, run.log.begin() + 8),
             (Lines{L"5: RunDll32 Begin execute.\n", L"[RunDll32] File path = 'C:\\Suite\\shell.dll'\n",
                    L"[RunDll32] Current directory = 'C:\\Suite\\'\n",
                    L"[RunDll32] Arguments = '\"C:\\Suite\\shell.dll\",Unregister /s'\n",
