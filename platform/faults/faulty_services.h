@@ -1,5 +1,6 @@
 #pragma once
 
+#include <new>
 #include <string>
 
 #include "platform/faults/faulty.h"
@@ -24,7 +25,8 @@ class FaultyCom final : public Faulty<ports::Com> {
   }
 };
 
-/// A task scheduler whose calls fail by plan.
+/// A task scheduler whose calls fail by plan. The code not_enough_memory, which is no result of COM, stands for a text
+/// that there is no memory for.
 class FaultyTaskScheduler final : public Faulty<ports::TaskScheduler> {
  public:
   using Faulty::Faulty;
@@ -36,20 +38,28 @@ class FaultyTaskScheduler final : public Faulty<ports::TaskScheduler> {
     return answer(Operation::tasks_connect, [&] { return inner_.connect(service); });
   }
   ports::Result folder(ports::TaskService service, const wchar_t* path, ports::TaskFolder& out) override {
-    return answer(Operation::tasks_folder, [&] { return inner_.folder(service, path, out); });
+    return answer_text(Operation::tasks_folder, [&] { return inner_.folder(service, path, out); });
   }
   ports::Result task(ports::TaskFolder folder, const wchar_t* name, ports::ScheduledTask& out) override {
-    return answer(Operation::tasks_task, [&] { return inner_.task(folder, name, out); });
+    return answer_text(Operation::tasks_task, [&] { return inner_.task(folder, name, out); });
   }
   ports::Result name(ports::ScheduledTask task, std::wstring& out) override {
     return answer(Operation::tasks_name, [&] { return inner_.name(task, out); });
   }
   ports::Result remove(ports::TaskFolder folder, const wchar_t* name) override {
-    return answer(Operation::tasks_remove, [&] { return inner_.remove(folder, name); });
+    return answer_text(Operation::tasks_remove, [&] { return inner_.remove(folder, name); });
   }
   void release(ports::TaskService service) override { inner_.release(service); }
   void release(ports::TaskFolder folder) override { inner_.release(folder); }
   void release(ports::ScheduledTask task) override { inner_.release(task); }
+
+ private:
+  template <class Call>
+  ports::Result answer_text(Operation operation, Call call) {
+    const ports::Result result = answer(operation, call);
+    if (result == static_cast<ports::Result>(ports::code::not_enough_memory)) throw std::bad_alloc();
+    return result;
+  }
 };
 
 /// A driver store that does not know a package by plan.

@@ -93,10 +93,10 @@
   OPERATION(com_initialize_security, "com.initialize_security", result_fail, result_security_too_late) \
   OPERATION(tasks_create_service, "tasks.create_service", result_class_not_registered, result_no_memory) \
   OPERATION(tasks_connect, "tasks.connect", result_access_denied, result_fail) \
-  OPERATION(tasks_folder, "tasks.folder", result_file_not_found, result_access_denied) \
-  OPERATION(tasks_task, "tasks.task", result_file_not_found, result_access_denied) \
+  OPERATION(tasks_folder, "tasks.folder", result_file_not_found, result_access_denied, not_enough_memory) \
+  OPERATION(tasks_task, "tasks.task", result_file_not_found, result_access_denied, not_enough_memory) \
   OPERATION(tasks_name, "tasks.name", result_no_memory, result_fail) \
-  OPERATION(tasks_remove, "tasks.remove", result_access_denied, result_file_not_found) \
+  OPERATION(tasks_remove, "tasks.remove", result_access_denied, result_file_not_found, not_enough_memory) \
   OPERATION(drivers_inf_location, "drivers.inf_location", not_found, file_not_found, insufficient_buffer) \
   OPERATION(modules_procedure, "modules.procedure", procedure_not_found) \
   OPERATION(modules_load, "modules.load", module_not_found, bad_exe_format, dll_init_failed) \

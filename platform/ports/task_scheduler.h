@@ -12,7 +12,8 @@ enum class TaskFolder : std::uintptr_t { null = 0 };
 enum class ScheduledTask : std::uintptr_t { null = 0 };
 
 /// The Task Scheduler 2.0 (ITaskService and its kin). Results are those of COM; everything that is given out is given
-/// back with `release`. Only on a thread that has COM initialised.
+/// back with `release`. Only on a thread that has COM initialised. Texts go over as BSTRs: where there is no memory for
+/// one, std::bad_alloc leaves the call.
 class TaskScheduler {
  public:
   virtual ~TaskScheduler() = default;

@@ -4,6 +4,8 @@
 
 #include <taskschd.h>
 
+#include <new>
+
 #include "platform/win32/com.h"
 
 namespace win32 {
@@ -29,6 +31,13 @@ ports::Result given(HRESULT result, ComOwner<Object>& got, Port& out) {
   return result;
 }
 
+/// A text for a call. Null would be another question there.
+struct Text : Bstr {
+  explicit Text(const wchar_t* text) : Bstr(text) {
+    if (text != nullptr && get() == nullptr) throw std::bad_alloc();
+  }
+};
+
 template <class Object>
 void release_object(Object* object) {
   if (object != nullptr) object->Release();
@@ -52,13 +61,13 @@ ports::Result TaskScheduler::connect(ports::TaskService service) {
 ports::Result TaskScheduler::folder(ports::TaskService service, const wchar_t* path, ports::TaskFolder& out) {
   if (service == ports::TaskService::null) return E_POINTER;
   ComOwner<ITaskFolder> folder;
-  return given(native(service)->GetFolder(Bstr(path).get(), folder.receive()), folder, out);
+  return given(native(service)->GetFolder(Text(path).get(), folder.receive()), folder, out);
 }
 
 ports::Result TaskScheduler::task(ports::TaskFolder folder, const wchar_t* name, ports::ScheduledTask& out) {
   if (folder == ports::TaskFolder::null) return E_POINTER;
   ComOwner<IRegisteredTask> task;
-  return given(native(folder)->GetTask(Bstr(name).get(), task.receive()), task, out);
+  return given(native(folder)->GetTask(Text(name).get(), task.receive()), task, out);
 }
 
 ports::Result TaskScheduler::name(ports::ScheduledTask task, std::wstring& out) {
@@ -71,7 +80,7 @@ ports::Result TaskScheduler::name(ports::ScheduledTask task, std::wstring& out) 
 
 ports::Result TaskScheduler::remove(ports::TaskFolder folder, const wchar_t* name) {
   if (folder == ports::TaskFolder::null) return E_POINTER;
-  return native(folder)->DeleteTask(Bstr(name).get(), 0);
+  return native(folder)->DeleteTask(Text(name).get(), 0);
 }
 
 void TaskScheduler::release(ports::TaskService service) {

@@ -12,6 +12,9 @@ namespace ky {
 /// Deliberately outside the standard shape: `executed` stays unset and no end line tells the next index.
 /// `GetNextIndex` therefore warns after each run, and readers of the log know the command by it.
 ///
+/// Where there is no memory for a text that the scheduler is given, `winapi::com_error` leaves `Execute`; the guard and
+/// COM are left then too.
+///
 /// Attributes: name (of the task, without a folder, in its own case; expanded and kept so)
 /// Keys read: the variables in name
 /// Keys written: none

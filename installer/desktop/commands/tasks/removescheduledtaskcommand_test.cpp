@@ -1,6 +1,7 @@
 #include "installer/desktop/commands/tasks/removescheduledtaskcommand.h"
 
 #include "installer/desktop/commands/tasks/winscheduler.h"
+#include "installer/extern/base/include/winapi/com_error.h"
 #include "platform/ports/codes.h"
 #include "platform/ports/com.h"
 #include "tests/support/command_fixture.h"
@@ -97,15 +98,49 @@ TEST(RemoveScheduledTask, EachStepThatFailsIsToldAndNothingStaysHeld) {
   }
 }
 
-TEST(RemoveScheduledTask, OnAThreadOfAnotherModelTheTaskGoesAndNothingIsGivenBack) {
-  Trial run;
-  ASSERT_EQ(run.system.com.initialize(ports::ComModel::apartment_threaded), code::ok);
-  run.run("RemoveScheduledTask", {{"name", "Suite Update"}});
-  EXPECT_EQ(run.log.at(1), L"[WinScheduler] CoInitializeEx() status = 0x80010106\n");
-  EXPECT_EQ(run.log.back(), L"Scheduled task 'Suite Update' was removed\n");
-  EXPECT_EQ(run.world.tasks().open_objects(), 2u);
-  EXPECT_EQ(run.system.com.initialize_security(6, 3), code::security_too_late) << "COM is still the thread's";
-  run.system.com.uninitialize();
+TEST(RemoveScheduledTask, OnAThreadThatHasComItIsNotEndedAndAnotherModelKeepsTheReferences) {
+  const struct {
+    ports::ComModel model;
+    bool folder_fails;
+    const wchar_t* status;
+    const wchar_t* line;
+    std::size_t held;
+  } rows[] = {
+      {ports::ComModel::multithreaded, false, L"0x1\n", L"Scheduled task 'Suite Update' was removed\n", 0},
+      {ports::ComModel::multithreaded, true, L"0x1\n", L"WinScheduler init failed. Error = 31\n", 0},
+      {ports::ComModel::apartment_threaded, false, L"0x80010106\n", L"Scheduled task 'Suite Update' was removed\n", 2},
+      {ports::ComModel::apartment_threaded, true, L"0x80010106\n", L"WinScheduler init failed. Error = 31\n", 1},
+  };
+  for (const auto& row : rows) {
+    Trial run;
+    ASSERT_EQ(run.system.com.initialize(row.model), code::ok);
+    if (row.folder_fails) run.faulty.fail(Operation::tasks_folder, 1, false, static_cast<ports::ErrorCode>(code::fail));
+    run.run("RemoveScheduledTask", {{"name", "Suite Update"}});
+    EXPECT_EQ(run.log.at(1), std::wstring(L"[WinScheduler] CoInitializeEx() status = ") + row.status);
+    EXPECT_EQ(run.log.back(), row.line);
+    EXPECT_EQ(run.world.tasks().open_objects(), row.held);
+    EXPECT_EQ(run.system.com.initialize_security(6, 3), code::security_too_late) << "COM is still the thread's";
+    run.system.com.uninitialize();
+    EXPECT_EQ(run.system.com.initialize_security(6, 3), code::not_initialized) << "once";
+  }
+}
+
+TEST(RemoveScheduledTask, NoMemoryForATextLeavesTheCommandAndNothingStaysHeld) {
+  for (const Operation operation : {Operation::tasks_folder, Operation::tasks_task, Operation::tasks_remove}) {
+    Trial run;
+    const auto loaded = run.load("RemoveScheduledTask", {{"name", "Suite Update"}});
+    run.faulty.fail(operation, 1, false, code::not_enough_memory);
+    try {
+      static_cast<void>(loaded.command->Execute(0, 0));
+      ADD_FAILURE() << "nothing was raised";
+    } catch (const winapi::com_error& error) {
+      EXPECT_EQ(error.code(), code::no_memory);
+    }
+    EXPECT_TRUE(run.there());
+    EXPECT_EQ(run.world.tasks().open_objects(), 0u);
+    EXPECT_EQ(run.system.com.initialize_security(6, 3), code::not_initialized) << "COM was left";
+    EXPECT_FALSE(loaded.command->GuardHeld());
+  }
 }
 
 TEST(RemoveScheduledTask, WithoutANameItLoadsAndRemovesNothing) {

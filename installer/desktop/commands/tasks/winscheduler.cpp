@@ -1,6 +1,9 @@
 #include "installer/desktop/commands/tasks/winscheduler.h"
 
+#include <new>
+
 #include "installer/desktop/commands/base/trace.h"
+#include "installer/extern/base/include/winapi/com_error.h"
 #include "platform/ports/com.h"
 #include "platform/ports/system.h"
 
@@ -24,11 +27,21 @@ namespace code = ports::code;
   return true;
 }
 
+/// The result of a call that hands over a text. Where there is no memory for it, COM's exception says so.
+template <class Call>
+[[nodiscard]] ports::Result WithText(Call call) {
+  try {
+    return call();
+  } catch (const std::bad_alloc&) {
+    throw winapi::com_error(code::no_memory);
+  }
+}
+
 /// A task that was got, for a scope.
 class GotTask {
  public:
   GotTask(ports::TaskScheduler& tasks, ports::TaskFolder folder, const std::wstring& name)
-      : tasks_(tasks), got_(ports::succeeded(tasks.task(folder, name.c_str(), task_))) {}
+      : tasks_(tasks), got_(ports::succeeded(WithText([&] { return tasks.task(folder, name.c_str(), task_); }))) {}
   ~GotTask() {
     if (got_) tasks_.release(task_);
   }
@@ -67,7 +80,7 @@ bool WinScheduler::Start() {
   return PassedOr(code::security_too_late, L"CoInitializeSecurity", secured) &&
          Passed(L"CoCreateInstance", system.tasks.create_service(service)) &&
          Passed(L"Connect", system.tasks.connect(service)) &&
-         Passed(L"GetFolder", system.tasks.folder(service, L"\\", root_folder));
+         Passed(L"GetFolder", WithText([&] { return system.tasks.folder(service, L"\\", root_folder); }));
 }
 
 void WinScheduler::End() {
@@ -88,8 +101,8 @@ std::uint32_t WinScheduler::RemoveTask(const std::wstring& name) const {
   ports::TaskScheduler& tasks = ports::system().tasks;
   // The scheduler finds a name in any case, and a path as well: only the very task that was asked for is deleted.
   const GotTask task(tasks, root_folder, name);
-  const bool removed = task.IsNamed(name) && ports::succeeded(tasks.remove(root_folder, name.c_str()));
-  return removed ? code::success : code::gen_failure;
+  const auto remove = [&] { return tasks.remove(root_folder, name.c_str()); };
+  return task.IsNamed(name) && ports::succeeded(WithText(remove)) ? code::success : code::gen_failure;
 }
 
 }  // namespace ky

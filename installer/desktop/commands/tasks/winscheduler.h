@@ -13,6 +13,9 @@ namespace ky {
 ///
 /// Where the thread's COM was initialised otherwise before, everything works, but nothing is given back at the end:
 /// what this object did not initialise it does not end, deliberately not even its own two references.
+///
+/// Where there is no memory for a text that the scheduler is given, `winapi::com_error` with E_OUTOFMEMORY leaves both
+/// operations.
 class WinScheduler {
  public:
   WinScheduler() = default;

@@ -6,7 +6,8 @@
 
 namespace winapi {
 
-/// A COM failure raised as an exception. It leaves `LoadCiphered` and `LoadPlain` for a null attribute map.
+/// A COM failure raised as an exception. It leaves `LoadCiphered` and `LoadPlain` for a null attribute map, and
+/// `Execute` where there is no memory for a text that COM is given.
 class com_error : public std::exception {
  public:
   explicit com_error(ports::Result code) : code_(code) {}
