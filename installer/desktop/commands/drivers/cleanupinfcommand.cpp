@@ -31,15 +31,15 @@ constexpr std::uint32_t longest_run = 180000;  // milliseconds
   return base::strings::lower_cased(FileNameOf(location));
 }
 
-/// True where the program was started. One that is still running when the time is up goes on.
-[[nodiscard]] bool RunAndWait(const std::wstring& line) {
-  const base::process::LaunchedProcess launched = base::process::RunCommandLine(line, L"");
+/// Runs the line, if it fits, and tells whether it was started. One that is still running when the time is up goes on.
+void RunAndTell(const std::wstring& line) {
+  Trace(L"execute: '%s'\n", line.c_str());
+  const auto launched = base::process::RunCommandLine(FitsPnputil(line) ? line : std::wstring(), L"");
   const winapi::scoped_handle process(launched.process);
   const winapi::scoped_handle thread(launched.thread);
-  if (!process.valid()) return false;
   const ports::Handle handle = process.get();
-  (void)ports::system().waits.wait({&handle, 1}, false, longest_run);
-  return true;
+  if (process.valid()) (void)ports::system().waits.wait({&handle, 1}, false, longest_run);
+  Trace(L"execute status = %d\n", process.valid());
 }
 
 }  // namespace
@@ -82,10 +82,7 @@ void CCleanupINFCommand::RemovePackages(const std::wstring& folder, const wchar_
     const std::optional<std::wstring> store_name = StoreNameOf(walk.path());
     if (store_name != driverName) continue;
     Trace(L"INF: '%s' is '%s'\n", store_name->c_str(), candidate.c_str());
-    const std::wstring line = PnputilLine(system_folder, candidate);
-    Trace(L"execute: '%s'\n", line.c_str());
-    const bool started = FitsPnputil(line) && RunAndWait(line);
-    Trace(L"execute status = %d\n", started);
+    RunAndTell(PnputilLine(system_folder, candidate));
   }
 }
 

@@ -92,6 +92,7 @@ TEST(CleanupINF, WhatDoesNotMatchIsPassedOverInSilence) {
     Trial run;
     run.clean(driver);
     EXPECT_EQ(run.log, (Lines{begin, end})) << driver;
+    EXPECT_EQ(run.faulty.calls(Operation::drivers_inf_location), 4u) << "files that begin with oem alone";
   }
 }
 
