@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <numeric>
 
+#include "platform/machine/privileges.h"
 #include "platform/ports/codes.h"
 #include "tests/support/command_fixture.h"
 #include "tests/support/user_profiles.h"
@@ -20,11 +21,13 @@ struct Trial : CommandWorld {
   host::CommandOwner run_on(const char* stem) {
     const auto privileges = world.state().enabled_privileges;
     const auto handles = world.handles().open_by_kind();
+    const std::size_t keys = world.registry().open_keys();
     host::CommandOwner command = run(stem, {});
     EXPECT_TRUE(command->executed);
     EXPECT_FALSE(command->GuardHeld());
     EXPECT_EQ(world.state().enabled_privileges, privileges);
     EXPECT_EQ(world.handles().open_by_kind(), handles);
+    EXPECT_EQ(world.registry().open_keys(), keys);
     return command;
   }
   host::CommandOwner mount() { return run_on("RegLoadAllUserHives"); }
@@ -130,13 +133,33 @@ TEST(RegLoadAllUserHives, WhatFailsIsToldAndTheOthersAreMounted) {
   }
 }
 
-TEST(RegLoadAllUserHives, AnAccountWithoutThePrivilegesMountsNothing) {
+TEST(UserHives, AnAccountWithoutThePrivilegesMountsAndUnmountsNothing) {
   NamedWorld world = three_users();
   world.state.environment.privileges = machine::Privileges();
   Trial run(world);
   run.mount();
   EXPECT_EQ(run.count(L"Error: Could not load user hive 'S-1-5-21-1-2-3-"), 3);
   EXPECT_EQ(run.mounted(), L"");
+  Trial later(three_users());
+  later.mount();
+  later.world.change([](machine::State& state) { state.environment.privileges = machine::Privileges(); });
+  later.run_on("RegUnloadPreviouslyLoadedUserHives");
+  EXPECT_EQ(later.count(L"Error: Could not unload user hive 'S-1-5-21-1-2-3-"), 3);
+  EXPECT_EQ(later.mounted(), L"1001 1002 1003");
+}
+
+TEST(UserHives, TheBackupPrivilegeEndsWithTheWorkAndTheRestorePrivilegeBehindTheEndLine) {
+  Trial run(three_users());
+  std::string seen;
+  run.kept->on_line = [&] {
+    const machine::State state = run.world.state();
+    seen += machine::privilege_enabled(state, machine::privilege::restore) ? 'R' : '-';
+    seen += machine::privilege_enabled(state, machine::privilege::backup) ? "B " : "- ";
+  };
+  run.mount();
+  run.run_on("RegUnloadPreviouslyLoadedUserHives");
+  const std::string each = "-- RB RB RB R- ";
+  EXPECT_EQ(seen, each + each);
 }
 
 TEST(RegLoadAllUserHives, ANameOfMoreThanFiftyCharactersEndsTheWalk) {
