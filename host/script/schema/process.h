@@ -158,7 +158,7 @@ inline constexpr AttributeSchema run_dll32_attributes[] = {
     {.name = "waitAmount",
      .form = Form::milliseconds,
      .default_value = "0",
-     .meaning = "How long to wait for its end; negative: without limit. It is never ended."},
+     .meaning = "How long to wait for its end; `INFINITE` or -1: without limit. It is never ended."},
 };
 inline constexpr ResultMeaning run_dll32_results[] = {
     {"0", "always, also where nothing was started or another thread is inside the command"},
