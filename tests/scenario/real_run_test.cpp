@@ -202,6 +202,8 @@ const std::vector<KeyRoot> keys = {
     {ports::RegistryKey::local_machine, L"HKEY_LOCAL_MACHINE", L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Run"},
     {ports::RegistryKey::local_machine, L"HKEY_LOCAL_MACHINE",
      L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall"},
+    {ports::RegistryKey::local_machine, L"HKEY_LOCAL_MACHINE",
+     L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Image File Execution Options"},
     {ports::RegistryKey::users, L"HKEY_USERS", L"S-1-5-21-1004336348-1177238915-682003330-1001"},
     {ports::RegistryKey::users, L"HKEY_USERS", L"S-1-5-21-1004336348-1177238915-682003330-1002"},
 };
@@ -233,11 +235,23 @@ std::wstring lay_out_the_suite(const ports::System& like) {
   return setup + L"kysetup.exe";
 }
 
+/// The paths of the machine's scheduled tasks.
+std::set<std::wstring> tasks_of(const std::string& machine) {
+  std::set<std::wstring> paths;
+  const picojson::value document = parse(machine);
+  for (const picojson::value& task : document.get("task_scheduler").get("tasks").get<picojson::array>()) {
+    paths.insert(base::strings::to_wide(task.get("path").to_str()));
+  }
+  return paths;
+}
+
 TEST(Kysetup, RemovesForRealWhatTheRehearsalRemovesAndNothingElse) {
   const contract::OwnHives hives;
   const std::string text = alike("suite-installed.json");
   LaidOutMachine like(text);
   const std::wstring program = lay_out_the_suite(like.system);
+  contract::RegisteredTasks tasks;
+  for (const std::wstring& path : tasks_of(text)) tasks.add(path);
   const std::set<std::wstring> before = list_all(real());
   EXPECT_EQ(run_program(base::strings::to_utf8(program), {}), 0);
   const std::set<std::wstring> gone = missing(before, list_all(real()));
@@ -246,12 +260,18 @@ TEST(Kysetup, RemovesForRealWhatTheRehearsalRemovesAndNothingElse) {
   const std::string file = desk::join(out, "laid-out.json");
   ASSERT_EQ(desk::write_file(file, text), "");
   EXPECT_EQ(run_program(desk_path(KY_PROGRAM), {"rehearse", "--machine", file, "--out", out}), 0);
-  LaidOutMachine after(read_text(desk::join(out, "machine.json")));
+  const std::string machine_after = read_text(desk::join(out, "machine.json"));
+  LaidOutMachine after(machine_after);
   const std::set<std::wstring> machine_before = list_all(like.system);
   const std::set<std::wstring> machine_gone = missing(machine_before, list_all(after.system));
   EXPECT_EQ(missing(gone, machine_gone), std::set<std::wstring>()) << "gone for real, not on the machine";
   EXPECT_EQ(missing(machine_gone, gone), std::set<std::wstring>()) << "gone on the machine, not for real";
   EXPECT_GT(gone.size(), 100u);
+  const std::set<std::wstring> tasks_left = tasks_of(machine_after);
+  EXPECT_EQ(tasks_of(text).size(), tasks_left.size() + 6);
+  for (const std::wstring& path : tasks_of(text)) {
+    EXPECT_EQ(contract::has_task(path), tasks_left.contains(path)) << base::strings::to_utf8(path);
+  }
 
   // Nothing came but the run's log, and every bystander stands. Tests beside this one leave logs in the same folder.
   const std::set<std::wstring> came = missing(list_all(real()), before);

@@ -34,7 +34,7 @@ constexpr const char* held_machine = R"({"format": "ky-machine", "version": 1,
   {"path": "C:\\Suite\\Sealed.exe"},
   {"path": "C:\\Suite\\Tool.exe"},
   {"path": "C:\\Users\\one\\NTUSER.DAT", "hive": [{"key": "Software\\Gone\\A"}]}],
-"processes": [{"image": "C:\\Suite\\Sealed.exe", "refuses": ["terminate", "synchronize"]},
+"processes": [{"image": "C:\\Suite\\Sealed.exe", "refuses": ["query", "terminate", "synchronize"]},
               {"image": "C:\\Suite\\Tool.exe"}],
 "task_scheduler": {"tasks": [{"path": "\\Guarded", "protected": true}]},
 "registry": [

@@ -22,7 +22,8 @@ inline const std::vector<Sample>& samples() {
   static const std::vector<Sample> all = {
       {"edition-whole", "suite-installed", "", 0},
       {"edition-nothing", "nothing-installed", "", 0},
-      {"closing", "workshop", "closing", 0},
+      {"edition-half-removed", "suite-half-removed", "", 0},
+      {"closing", "workshop", "closing", 3},
       {"conditions", "workshop", "conditions", 0},
       {"deletions", "workshop", "deletions", 3},
       {"documents", "workshop", "documents", 0},

@@ -41,7 +41,11 @@ TEST(Edition, RemovesNothingWhereAValueThatItNeedsIsMissing) {
   const struct {
     std::string name;
     int first, last;
-  } needed[] = {{"ManufacturerName", 0, 0}, {"InstallPath", 0, 4}, {"RegistryKey", 0, 4}, {"ProductName", 0, 4}};
+  } needed[] = {{"ManufacturerName", 0, 0},
+                {"InstallPath", 0, 4},
+                {"RegistryKey", 0, 5},
+                {"ProductName", 0, 4},
+                {"IfeoProtectedExecutables", 0, 2}};
   for (const auto& row : needed) {
     for (int position = row.first; position <= row.last; ++position) {
       const std::string document = without(row.name, position);
