@@ -67,6 +67,12 @@ void Ledger::watch_value(const KeyPlace& place, const std::wstring& name) {
   touch(Subject::value, value_path(place, name), [this, place, name] { return look_at_value(inner_, place, name); });
 }
 
+void Ledger::note_hive(const KeyPlace& place, bool mounted) {
+  const State there{"hive", L"mounted"};
+  touch_known(Subject::hive, place.path(), mounted ? std::nullopt : std::optional(there),
+              [this, place, there] { return look_at_key(inner_, place) ? std::optional(there) : std::nullopt; });
+}
+
 void Ledger::watch_task(const std::wstring& path) {
   touch(Subject::task, path, [this, path] { return look_at_task(inner_, path); });
 }

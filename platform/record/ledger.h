@@ -23,7 +23,7 @@ namespace record {
 class Ledger {
  public:
   /// What an entry is about. A file's content is watched apart from the file: reading it is dear and seldom needed.
-  enum class Subject { path, content, key, value, task, driver, booking };
+  enum class Subject { path, content, key, value, hive, task, driver, booking };
   /// Gives a thing's present state.
   using Look = std::function<std::optional<State>()>;
 
@@ -38,6 +38,8 @@ class Ledger {
   void watch_key(const KeyPlace& place);
   void watch_value(const KeyPlace& place, const std::wstring& name);
 
+  /// The key that a hive was mounted as or unmounted from just now.
+  void note_hive(const KeyPlace& place, bool mounted);
   void watch_task(const std::wstring& path);
   void watch_driver(const std::wstring& inf);
   /// Keys and values below a key are about to go out of reach: how they stand now is how they end. To be called before

@@ -243,6 +243,7 @@ TEST_F(RecorderTest, WhatChangesInAMountedHiveIsToldByItsKeys) {
   key = open(L"u\\Kept");
   set(*system, key, L"New", 1);
   EXPECT_EQ(system->registry.unload_hive(RegistryKey::users, L"u"), ports::code::access_denied);
+  EXPECT_EQ(recorder->changes().at(1), (Change{"hive", L"HKEY_USERS\\u", std::nullopt, L"mounted"}));
   system->registry.close(key);
   EXPECT_EQ(system->registry.unload_hive(RegistryKey::users, L"u"), 0u);
   const Changes changes = recorder->changes();

@@ -136,6 +136,7 @@ ports::ErrorCode RecordingRegistry::load_hive(ports::RegistryKey key, const wcha
   const std::optional<KeyPlace> place = below(key, name, 0);
   if (code != ports::code::success || !place) return code;
   ledger_.unsettle(place->path());
+  ledger_.note_hive(*place, true);
   ledger_.add_action("hive-mounted", place->path() + L" from " + plain_path(file == nullptr ? L"" : file));
   return code;
 }
@@ -149,6 +150,7 @@ ports::ErrorCode RecordingRegistry::unload_hive(ports::RegistryKey key, const wc
   }
   const ports::ErrorCode code = inner_.unload_hive(key, name);
   if (code == ports::code::success) {
+    ledger_.note_hive(*place, false);
     ledger_.add_action("hive-unmounted", place->path());
   } else {
     ledger_.unsettle(place->path());

@@ -31,7 +31,9 @@ inline constexpr CommandSchema reg_unload_previously_loaded_user_hives = {
     .remarks =
         R"(It goes by the marker in the keys' names, so that it needs no `RegLoadAllUserHives` before it: at a script's
 beginning it clears what an earlier run left. A hive of which a program has a key open stays mounted, is
-told in the log, and can be unmounted by a later run.)",
+told in the log, and can be unmounted by a later run.
+
+It needs the same rights as `RegLoadAllUserHives`.)",
     .results = shape_results,
     .example = R"(<RegUnloadPreviouslyLoadedUserHives/>)",
 };

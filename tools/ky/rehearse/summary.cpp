@@ -26,6 +26,7 @@ const std::map<std::string, std::array<const char*, 2>, std::less<>> kind_words 
     {"link", {"link", "links"}},
     {"registry-key", {"registry key", "registry keys"}},
     {"registry-value", {"registry value", "registry values"}},
+    {"hive", {"mounted hive", "mounted hives"}},
     {"task", {"task", "tasks"}},
     {"driver-package", {"driver package", "driver packages"}},
     {"delayed-move", {"move booked for the next start", "moves booked for the next start"}},
@@ -75,15 +76,20 @@ void print_changes(const Outcome& outcome, std::ostream& out) {
   }
 }
 
+/// How many things that had been absent before are worth their lines; result.json has them all.
+constexpr std::size_t most_absent = 10;
+
 void print_deletions(const Outcome& outcome, Fate fate, const char* heading, std::ostream& out) {
   const char* indent = heading;
+  std::size_t count = 0;
   for (const record::Deletion& deletion : outcome.deletions) {
-    if (fate_of(deletion) != fate) continue;
+    if (fate_of(deletion) != fate || (++count > most_absent && fate == Fate::absent)) continue;
     out << indent << (deletion.path.empty() ? "(an empty path)" : to_utf8(deletion.path));
     if (fate == Fate::remains) out << "  (" << deletion.kind << ", error " << deletion.code << ")";
     out << '\n';
     indent = "               ";
   }
+  if (fate == Fate::absent && count > most_absent) out << indent << "and " << count - most_absent << " more\n";
 }
 
 std::string reason_of(const ProcessEnd& end) {

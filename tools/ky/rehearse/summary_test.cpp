@@ -56,6 +56,7 @@ TEST(Summary, ShowsCommandsChangesProcessesDeletionsAndTheEnd) {
 TEST(Summary, AReceiptStandsForTheDeletionsThatFailed) {
   Outcome outcome;
   outcome.deletions = {{"folder", L"C:\\held", 32, false}};
+  for (int i = 0; i < 12; ++i) outcome.deletions.push_back({"file", L"C:\\" + std::to_wstring(i), 2, true});
   receipt::Receipt receipt;
   receipt.rows.resize(3);
   receipt.rows[0].state = receipt::State::removed_now;
@@ -68,6 +69,9 @@ TEST(Summary, AReceiptStandsForTheDeletionsThatFailed) {
             "Title\n\n"
             "  Commands     0 run, 0 skipped\n"
             "  Changes      none\n"
+            "  Was absent   C:\\0\n               C:\\1\n               C:\\2\n               C:\\3\n"
+            "               C:\\4\n               C:\\5\n               C:\\6\n               C:\\7\n"
+            "               C:\\8\n               C:\\9\n               and 2 more\n"
             "  Receipt      3 named: 1 removed now, 0 already absent, 2 still there; 1 not named\n"
             "  Still there  C:\\held  (folder: error 32)\n"
             "               HKEY_USERS\\u\\(default)  (registry-value: error 5)\n"
