@@ -122,16 +122,23 @@ TEST_F(SessionTest, DeletionsExpandTheirTargetsAndRefuseWhatIsDangerous) {
 
   script.add("SetVariable", {{"var", "Empty"}, {"strValue", ""}});
   script.add("SetVariable", {{"var", "T"}, {"strValue", "T"}});
+  script.add("SetVariable", {{"var", "Slashed"}, {"strValue", "Sub\\"}});
   script.add("DeleteFolder", {{"path", "[WindowsPath][Empty]"}, {"recursive", "1"}});
   script.add("DeleteFolder", {{"path", "C:\\[None]"}, {"recursive", "1"}});
-  script.add("DeleteFolder", {{"path", "C:\\[T]"}, {"recursive", "1"}});
   script.add("DeleteRegKey", {{"base", machine_root}, {"subkey", "SOFTWARE\\[Empty]"}, {"recursive", "1"}});
   script.add("DeleteRegKey", {{"base", machine_root}, {"subkey", "SOFTWARE\\[None]"}, {"recursive", "1"}});
+  script.add("DeleteFolder", {{"path", "C:\\T\\[Empty]"}, {"recursive", "1"}});
+  script.add("DeleteFolder", {{"path", "C:\\T\\[Empty]\\"}, {"recursive", "1"}});
+  script.add("DeleteRegKey", {{"base", machine_root}, {"subkey", "SOFTWARE\\T\\[Empty]"}, {"recursive", "1"}});
+  // A closing backslash of the variable's own, and no name at all, are as they are without.
+  script.add("DeleteFolder", {{"path", "C:\\T\\[Slashed]"}});
+  script.add("DeleteRegKey", {{"base", machine_root}, {"subkey", "SOFTWARE\\T\\In[Empty]"}});
+  script.add("DeleteFolder", {{"path", "C:\\[T]"}, {"recursive", "1"}});
   script.add("DeleteRegKey", {{"base", machine_root}, {"subkey", "SOFTWARE\\[T]"}, {"recursive", "1"}});
   script.add("DeleteRegValue", {{"base", machine_root}, {"subkey", "SOFTWARE\\Kept"}, {"value", "[None]"}});
   script.add("DeleteRegValue", {{"base", machine_root}, {"subkey", "[Empty]"}, {"value", "Number"}});
   script.add("DeleteRegValue", {{"base", machine_root}, {"subkey", "SOFTWARE\\Kept"}, {"value", "number"}});
-  EXPECT_EQ(run(script), (std::vector<std::uint32_t>{0, 0, 87, 31, 0, 87, 31, 0, 31, 87, 0}));
+  EXPECT_EQ(run(script), (std::vector<std::uint32_t>{0, 0, 0, 87, 31, 87, 31, 87, 87, 87, 0, 0, 0, 0, 31, 87, 0}));
 
   EXPECT_FALSE(there(L"C:\\T"));
   EXPECT_FALSE(key_there(ports::RegistryKey::local_machine, L"SOFTWARE\\T"));

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "host/commands/attribute_reader.h"
+#include "host/commands/missing_name.h"
 #include "host/deletion/folder_target.h"
 #include "installer/desktop/commands/base/expand.h"
 #include "installer/desktop/commands/base/standard_shape.h"
@@ -41,7 +42,8 @@ std::uint32_t CDeleteFolderCommand::Delete() {
     ky::Trace(L"%i: %s Error: the system does not tell its own folders.\n", index, log_name);
     return ports::code::gen_failure;
   }
-  const FolderTarget target = decide_folder(expanded, protected_folders);
+  FolderTarget target = decide_folder(expanded, protected_folders);
+  if (target.refusal == nullptr && misses_last_name(path, expanded)) target.refusal = missing_name;
   if (target.refusal != nullptr) {
     ky::Trace(L"%i: %s Error: '%s' is refused: %s.\n", index, log_name, expanded.c_str(), target.refusal);
     return ports::code::invalid_parameter;

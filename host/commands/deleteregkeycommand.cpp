@@ -1,6 +1,7 @@
 #include "host/commands/deleteregkeycommand.h"
 
 #include "host/commands/attribute_reader.h"
+#include "host/commands/missing_name.h"
 #include "host/commands/registry_view.h"
 #include "host/deletion/registry_removal.h"
 #include "host/deletion/registry_target.h"
@@ -36,7 +37,8 @@ std::uint32_t CDeleteRegKeyCommand::Delete() {
     ky::Trace(L"%i: %s Error: '%s\\%s' names an undefined variable.\n", index, log_name, base.c_str(), subkey.c_str());
     return ports::code::gen_failure;
   }
-  const RegistryTarget target = decide_registry_key(root, key);
+  RegistryTarget target = decide_registry_key(root, key);
+  if (target.refusal == nullptr && misses_last_name(subkey, key)) target.refusal = missing_name;
   if (target.refusal != nullptr) {
     ky::Trace(L"%i: %s Error: '%s\\%s' is refused: %s.\n", index, log_name, root.c_str(), key.c_str(), target.refusal);
     return ports::code::invalid_parameter;

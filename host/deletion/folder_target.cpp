@@ -17,7 +17,7 @@ bool is_letter(wchar_t c) {
 std::wstring cleaned(std::wstring_view path) {
   std::wstring clean(path);
   std::replace(clean.begin(), clean.end(), L'/', L'\\');
-  while (clean.size() > 3 && clean.ends_with(L'\\')) clean.pop_back();
+  if (clean.size() > 3 && clean.ends_with(L'\\')) clean.pop_back();
   return clean;
 }
 

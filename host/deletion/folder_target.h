@@ -16,10 +16,10 @@ struct FolderTarget {
   std::vector<std::wstring> steps;
 };
 
-/// Looks at an expanded path. Only a whole path on a drive passes ("C:\a\b", "/" is "\", closing backslashes are left
-/// off), without empty parts, ".", "..", a stream, or a part that ends in a dot or blank. An empty variable in the
-/// middle of a path thus refuses it, and one at its end leaves a path that the next rule catches: neither a drive's
-/// root nor a folder of `protected_folders`, nor one that holds such a folder, may go. ASCII case is ignored.
+/// Looks at an expanded path. Only a whole path on a drive passes ("C:\a\b", "/" is "\", one closing backslash is left
+/// off), without empty parts, ".", "..", a stream, or a part that ends in a dot or blank. An empty variable between
+/// backslashes thus refuses it. Neither a drive's root nor a folder of `protected_folders`, nor one that holds such a
+/// folder, may go. ASCII case is ignored.
 [[nodiscard]] FolderTarget decide_folder(std::wstring_view path, std::span<const std::wstring> protected_folders);
 
 /// The path as people write it, without the form's prefix.

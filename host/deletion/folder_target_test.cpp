@@ -12,8 +12,7 @@ const std::vector<std::wstring> protected_folders = {L"C:\\Windows", L"C:\\Windo
 
 TEST(FolderTarget, AWholePathIsTakenApartFromTheDriveDown) {
   const std::vector<std::wstring> steps = {L"\\\\?\\C:\\", L"\\\\?\\C:\\Program Files", L"\\\\?\\C:\\Program Files\\T"};
-  for (const wchar_t* const path :
-       {L"C:\\Program Files\\T", L"C:\\Program Files\\T\\", L"C:/Program Files/T", L"C:\\Program Files\\T\\\\"}) {
+  for (const wchar_t* const path : {L"C:\\Program Files\\T", L"C:\\Program Files\\T\\", L"C:/Program Files/T/"}) {
     const host::FolderTarget target = host::decide_folder(path, protected_folders);
     EXPECT_EQ(target.refusal, nullptr);
     EXPECT_EQ(target.steps, steps);
@@ -43,6 +42,7 @@ TEST(FolderTarget, WhatWouldBeADisasterIsRefused) {
            L"C:\\T\\..\\Windows",
            L"C:\\T\\.",
            L"C:\\T\\\\U",
+           L"C:\\T\\\\",
            L"C:\\Windows.",
            L"C:\\Windows \\",
            L"C:\\T:stream",

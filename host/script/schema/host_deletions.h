@@ -39,8 +39,8 @@ inline constexpr CommandSchema delete_folder = {
     .summary = "Deletes a folder, and what is in it if told to.",
     .remarks =
         R"(It follows no link: a link in the folder goes itself, and what it points at stays. Drives' roots, the
-system's own folders and what holds them are refused, so that a variable that turns out empty never widens
-a deletion. [The host](../host.md#deletions) has both in full.
+system's own folders and what holds them are refused, and so is an empty part of the path, so that a
+variable in it that turns out empty never widens a deletion. [The host](../host.md#deletions) has both in full.
 
 What is booked for the next start goes by path at that time: book nothing below a folder that users may
 change.)",
@@ -97,7 +97,7 @@ inline constexpr CommandSchema delete_reg_key = {
     .summary = "Deletes a registry key, and the keys below it if told to.",
     .remarks =
         R"(It follows no link. Hives and the great branches that products lie below are refused, and so is an empty
-part of a key, so that a variable that turns out empty never widens a deletion; a closing backslash makes
+part of a key, so that a variable in it that turns out empty never widens a deletion; a closing backslash makes
 no difference. What 32-bit programs see goes by the path where it lies, `SOFTWARE\Wow6432Node\...`, in an
 element of its own. [The host](../host.md#deletions) has all of it.)",
     .attributes = delete_reg_key_attributes,
