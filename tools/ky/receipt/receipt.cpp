@@ -31,6 +31,11 @@ bool in_same_tree(const record::Deletion& deletion, TargetKind kind) {
   return is_path(kind);
 }
 
+/// The same for a note under the very path: a key and a value may have one path.
+bool is_of(const record::Deletion& deletion, TargetKind kind) {
+  return in_same_tree(deletion, kind) && (kind != TargetKind::registry_key || deletion.kind == "registry-key");
+}
+
 /// How the run's notes name it.
 std::wstring noted_name(const Target& target) {
   if (is_process(target.kind)) return target.path;
@@ -131,8 +136,9 @@ class Findings::Reason {
     const record::Deletion* found = first_failure_below();
     if (found != nullptr) row_.reason = L"'" + found->path + L"' stays: ";
     if (found == nullptr) {
-      found =
-          findings_.deletions_.first(name_, [this](const record::Deletion& deletion) { return failed_here(deletion); });
+      found = findings_.deletions_.first(name_, [this](const record::Deletion& deletion) {
+        return is_of(deletion, thing_.target.kind) && failed(deletion);
+      });
     }
     if (found == nullptr) return false;
     row_.code = found->code;
@@ -188,7 +194,7 @@ bool Findings::deleted_by_run(const Target& target) const {
                        [&target](const Closing& closing) { return !closing.left && meant(closing, target); });
   }
   const auto deleted = [&target](const record::Deletion& deletion) {
-    return deletion.code == 0 && in_same_tree(deletion, target.kind);
+    return deletion.code == 0 && is_of(deletion, target.kind);
   };
   return deletions_.first(noted_name(target), deleted) != nullptr;
 }

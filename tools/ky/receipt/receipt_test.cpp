@@ -22,6 +22,7 @@ Evidence evidence() {
       {"folder", L"C:\\full", 145, false},      {"file", L"C:\\again.txt", 0, false},
       {"file", L"C:\\B\\booked.dll", 5, false}, {"registry-key", L"HKEY_LOCAL_MACHINE\\A\\B", 5, false},
       {"task", L"\\Update", 5, false},          {"registry-value", L"HKEY_USERS\\u\\A\\(default)", 5, false}};
+  seen.deletions.push_back({"registry-value", L"HKEY_USERS\\u\\Run", 0, true});
   seen.moves = {{L"C:\\moved.exe", L"C:\\Temp\\m.tmp"}, {L"C:\\C\\deep.exe", L"C:\\Temp\\d.tmp"}};
   seen.booked = {L"C:\\Temp\\m.tmp", L"C:\\B\\booked.dll"};
   seen.closings = {{L"Quit.exe", L"C:\\P\\Quit.exe", false, L"", 0},
@@ -71,6 +72,7 @@ TEST(Receipt, EachThingIsRemovedNowOrWasAbsentOrIsStillThereForAReason) {
        L"'HKEY_LOCAL_MACHINE\\A\\B' stays: error 5",
        5},
       {{{TargetKind::registry_value, L"HKEY_USERS\\u\\A"}, true, true, L"", {ran}}, State::still_there, L"error 5", 5},
+      {{{TargetKind::registry_key, L"HKEY_USERS\\u\\Run"}, false, false, L"", {ran}}, State::already_absent, L"", 0},
       {{{TargetKind::task, L"Update"}, true, true, L"", {ran}}, State::still_there, L"error 5", 5},
       {{{TargetKind::process_file, L"C:\\P\\Sealed.exe"}, true, true, L"it runs", {ran}},
        State::still_there,

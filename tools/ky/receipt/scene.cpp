@@ -11,6 +11,7 @@
 #include "platform/machine/path.h"
 #include "platform/machine/registry_views.h"
 #include "platform/ports/codes.h"
+#include "platform/record/paths.h"
 
 namespace receipt {
 
@@ -128,7 +129,11 @@ Sight Scene::look(const Target& target) const {
 
 Sight Scene::look_at_path(std::wstring_view path) const {
   while (path.size() > 3 && path.ends_with(L'\\')) path.remove_suffix(1);
-  const machine::ParsedPath parsed = machine::parse_path(path, state_.environment.current_folder);
+  machine::ParsedPath parsed = machine::parse_path(path, state_.environment.current_folder);
+  // What is too long a path for some commands is there all the same.
+  if (parsed.error == code::filename_too_long) {
+    parsed = machine::parse_path(L"\\\\?\\" + record::plain_path(path), state_.environment.current_folder);
+  }
   if (parsed.error != code::success) return {};
   const machine::Found found = machine::look_up(state_.files, parsed.path, machine::LastLink::itself);
   if (found.error == code::access_denied) return {true, L"it goes as soon as nobody has it open"};
@@ -158,18 +163,29 @@ Sight Scene::look_at_task(const std::wstring& name) const {
   const auto found = tasks.find(machine::task_folder_path(name));
   if (found == tasks.end()) return {};
   const std::wstring registered(machine::last_part(found->first));
-  if (registered != name) return {true, L"it is registered as '" + registered + L"', and case counts"};
+  if (registered != name) {
+    const bool same_word = equal_ignoring_case(registered, name);
+    return {true, L"it is registered as '" + registered +
+                      (same_word ? L"', and case counts" : L"', and that alone is compared")};
+  }
   return {true, state_.scheduled_tasks.running ? L"" : L"the task scheduler does not run"};
 }
 
 Sight Scene::look_at_driver(const std::wstring& inf) const {
-  const machine::NodeId folder = file_of(state_.environment.windows + L"\\INF");
-  if (folder == 0) return {};
-  for (const auto& [name, node] : state_.files.nodes.at(folder).children) {
-    const std::wstring& store = state_.files.nodes.at(node).store;
-    if (!store.empty() && equal_ignoring_case(machine::last_part(store), inf)) {
-      return {true, L"it stands in the store as '" + name + L"'"};
+  const auto& nodes = state_.files.nodes;
+  if (const machine::NodeId folder = file_of(state_.environment.windows + L"\\INF"); folder != 0) {
+    for (const auto& [name, node] : nodes.at(folder).children) {
+      const std::wstring& store = nodes.at(node).store;
+      if (!store.empty() && equal_ignoring_case(machine::last_part(store), inf)) {
+        return {true, L"it stands in the store as '" + name + L"'"};
+      }
     }
+  }
+  const machine::NodeId store = file_of(state_.environment.system + L"\\DriverStore\\FileRepository");
+  if (store == 0) return {};
+  for (const auto& [name, node] : nodes.at(store).children) {
+    if (machine::child(state_.files, node, inf) == 0) continue;
+    return {true, L"the store has it in '" + name + L"', and no INF file leads there"};
   }
   return {};
 }

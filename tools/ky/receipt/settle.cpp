@@ -55,13 +55,17 @@ Receipt settle(const Account& account, machine::State before, machine::State aft
 
   Receipt receipt;
   receipt.not_named = account.named.not_named;
-  const auto add = [&](Target target, const std::vector<NamingCommand>& by) {
+  const auto add = [&](Target target, std::vector<NamingCommand> by) {
     target.path = under_own_name(target.path);
     const Sight now = last.look(target);
-    Thing thing{std::move(target), false, now.there, now.note, by};
+    Thing thing{std::move(target), false, now.there, now.note, std::move(by)};
     thing.before = first.look(thing.target).there;
     const std::wstring user = user_of(thing.target.path);
-    if (!user.empty() && reachable.count(user) == 0) thing.note = L"the user's hive was not mounted";
+    if (!user.empty() && reachable.count(user) == 0) {
+      thing.note = L"the user's hive was not mounted";
+      // What the commands gave is about others.
+      for (NamingCommand& command : thing.by) command.result = 0;
+    }
     receipt.rows.push_back(findings.decide(thing));
   };
   for (const Naming& naming : account.named.things) {

@@ -49,7 +49,7 @@ TEST(Settling, EachUserHasALineWhereverTheHiveIs) {
                             files(R"("hive": [], "mounted": "HKEY_USERS\\S-1-5-21-2__ky_setup__")");
   Account account;
   account.named.things = {
-      {{TargetKind::registry_key, L"HKEY_USERS\\*\\Software\\Gone"}, {{1, "DeleteRegKey", true, true}}}};
+      {{TargetKind::registry_key, L"HKEY_USERS\\*\\Software\\Gone"}, {{1, "DeleteRegKey", true, true, 5}}}};
   account.actions = {{"hive-mounted", L"HKEY_USERS\\S-1-5-21-2__ky_setup__ from C:\\Users\\two\\NTUSER.DAT"}};
   const Receipt receipt = settle(account, machine_of(profiles + before), machine_of(profiles + after));
   EXPECT_EQ(lines_of(receipt), (std::vector<std::wstring>{
@@ -60,9 +60,13 @@ TEST(Settling, EachUserHasALineWhereverTheHiveIs) {
 }
 
 TEST(Settling, ThingsOfEveryKindAreFoundWhereTheyAre) {
-  const char* const members = R"(
+  const std::wstring half(200, L'a');  // of a path that is too long for most commands
+  const std::string members = R"(
     "environment": {"parent": {"image": "C:\\P\\bundle.exe"}, "wow64": true},
     "files": [{"path": "C:\\P\\Sealed.exe"}, {"path": "C:\\P\\bundle.exe"},
+              {"path": "C:\\Windows\\System32\\DriverStore\\FileRepository\\alone_1\\alone.inf"},
+              {"path": "C:\\)" +
+                              std::string(200, 'a') + R"(\\)" + std::string(200, 'a') + R"("},
               {"path": "C:\\Windows\\INF\\oem7.inf", "store": "C:\\Store\\x_1\\Flt.inf"},
               {"path": "C:\\link", "link": {"junction": "C:\\absent"}}],
     "processes": [{"image": "C:\\P\\Sealed.exe"}],
@@ -86,6 +90,8 @@ TEST(Settling, ThingsOfEveryKindAreFoundWhereTheyAre) {
       {{TargetKind::task, L"Other"}, false},
       {{TargetKind::driver_package, L"flt.INF"}, true},
       {{TargetKind::driver_package, L"oem7.inf"}, false},
+      {{TargetKind::driver_package, L"alone.inf"}, true},
+      {{TargetKind::file, L"C:\\" + half + L"\\" + half}, true},
       {{TargetKind::process_file, L"C:\\P\\sealed.exe"}, true},
       {{TargetKind::process_name, L"Seal"}, true},
       {{TargetKind::process_name, L"seal"}, false},

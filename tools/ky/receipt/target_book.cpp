@@ -5,6 +5,7 @@
 #include <tuple>
 
 #include "installer/utils/base/strings/case_fold.h"
+#include "platform/record/paths.h"
 
 namespace receipt {
 
@@ -13,10 +14,12 @@ namespace {
 using base::strings::lower_cased;
 using Identity = std::tuple<host::TargetKind, std::wstring, std::wstring, bool>;
 
-/// Names of processes are looked for in their case, all else in any.
+/// Names of processes are looked for in their case, all else in any; paths have more than one spelling.
 Identity identity(const Target& target) {
   const bool exact = target.kind == host::TargetKind::process_name;
-  return {target.kind, exact ? target.path : lower_cased(target.path), lower_cased(target.value), target.view_64};
+  const bool path = target.kind == host::TargetKind::file || target.kind == host::TargetKind::folder;
+  const std::wstring name = path ? record::plain_path(target.path) : target.path;
+  return {target.kind, exact ? name : lower_cased(name), lower_cased(target.value), target.view_64};
 }
 
 template <class Item>

@@ -47,6 +47,8 @@ TEST(TargetBook, EveryKindIsNamedByItsAttributes) {
       {R"(<DeleteFile pathFile="[Q]a.exe"/>)", {}, {L"[Q] is never set"}},
       {R"(<DeleteFile pathFile="[Loop]"/>)", {}, {L"it leads back to itself"}},
       {R"(<DeleteFolder path="[Empty]"/>)", {}, {L"it is empty"}},
+      {R"(<DeleteFile pathFile="[P]*.tmp"/>)", {}, {L"no file or folder has such a name"}},
+      {R"(<DeleteFile pathFile="\\?\C:\a"/>)", {L"\\\\?\\C:\\a"}, {}},
       {R"(<DeleteRegKey base="HKEY_USERS" subkey="*\A\"/>)", {L"HKEY_USERS\\*\\A (64)"}, {}},
       {R"(<DeleteRegKey base="HKLM" subkey="A"/>)", {}, {L"it is no root of the registry"}},
       {R"(<DeleteRegValue base="HKEY_CURRENT_USER" subkey="A" value="[P]"/>)",
@@ -90,7 +92,7 @@ TEST(TargetBook, EachRunNamesWhatItsVariablesSayThen) {
   visit(2, {}, false, 0);
   visit(0, {{L"P", L"C:\\2\\"}}, true, 0);
   visit(1, {{L"P", L"C:\\2\\"}}, true, 0);  // deletes the first run's file again
-  const Named named = book.names(variables({{L"P", L"c:\\2\\"}, {L"Late", L"C:\\late"}}));
+  const Named named = book.names(variables({{L"P", L"c:/2"}, {L"Late", L"C:\\late"}}));
   EXPECT_EQ(paths_of(named), (std::vector<std::wstring>{L"C:\\1\\", L"C:\\2\\", L"C:\\1\\a", L"C:\\late"}));
   EXPECT_TRUE(named.not_named.empty());
   const std::vector<NamingCommand> by = {{0, "DeleteFolder", true, true, 0}, {3, "DeleteFolder", false, false, 0}};

@@ -18,6 +18,8 @@ constexpr std::wstring_view roots[] = {L"HKEY_CLASSES_ROOT", L"HKEY_CURRENT_USER
 constexpr std::wstring_view ifeo_path =
     L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Image File Execution Options\\";
 
+constexpr std::wstring_view verbatim = L"\\\\?\\";
+
 /// A text that leads back to itself is not expanded for ever; no script comes near.
 constexpr std::size_t most_replacements = 10'000;
 struct Endless {};
@@ -114,6 +116,10 @@ void read_path(const host::TargetSchema& target, Reading& reading) {
     const bool may_be_empty = target.kind == TargetKind::task || target.kind == TargetKind::driver_package;
     if (!may_be_empty) reading.refuse(attribute, L"it is empty");
     return;
+  }
+  const bool of_files = target.kind == TargetKind::file || target.kind == TargetKind::folder;
+  if (of_files && path->find_first_of(L"*?<>|\"", path->starts_with(verbatim) ? verbatim.size() : 0) != path->npos) {
+    return reading.refuse(attribute, L"no file or folder has such a name");
   }
   reading.add(target.kind, std::move(*path));
 }
