@@ -44,6 +44,13 @@ struct Search final : Object {
                                                    const std::wstring& expression) {
   std::deque<ports::FolderRow> rows;
   const FileNode& node = tree.nodes.at(folder);
+  // A plain name need not be compared with all that the folder holds.
+  if (expression.find_first_of(L"*?<>\"") == std::wstring::npos) {
+    const auto found = find_child(node, expression);
+    if (found == node.children.end()) return rows;
+    const FileNode& one = tree.nodes.at(found->second);
+    return {{found->first, reported_attributes(one), one.size, found->second}};
+  }
   if (!node.places.empty()) {
     const FileNode& above = tree.nodes.at(node.places.front().folder);
     if (matches(expression, L".")) rows.push_back({L".", reported_attributes(node), 0, folder});
