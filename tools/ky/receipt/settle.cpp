@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "installer/utils/base/strings/case_fold.h"
+#include "platform/record/paths.h"
 #include "tools/ky/receipt/scene.h"
 
 namespace receipt {
@@ -36,6 +37,17 @@ UserNames reachable_users(const Account& account, const Scene& before) {
   return users;
 }
 
+/// A process goes on when its file is moved aside.
+Sight look_after(const Scene& after, const Target& target, const std::vector<record::Move>& moves) {
+  Sight sight = after.look(target);
+  if (target.kind != host::TargetKind::process_file) return sight;
+  for (const record::Move& move : moves) {
+    if (sight.there || !base::strings::equal_ignoring_case(move.from, record::plain_path(target.path))) continue;
+    sight = after.look({target.kind, move.to});
+  }
+  return sight;
+}
+
 std::wstring user_of(const std::wstring& path) {
   if (!path.starts_with(users_root)) return {};
   return path.substr(users_root.size(), path.find(L'\\', users_root.size()) - users_root.size());
@@ -57,7 +69,7 @@ Receipt settle(const Account& account, machine::State before, machine::State aft
   receipt.not_named = account.named.not_named;
   const auto add = [&](Target target, std::vector<NamingCommand> by) {
     target.path = under_own_name(target.path);
-    const Sight now = last.look(target);
+    const Sight now = look_after(last, target, account.moves);
     Thing thing{std::move(target), false, now.there, now.note, std::move(by)};
     thing.before = first.look(thing.target).there;
     const std::wstring user = user_of(thing.target.path);

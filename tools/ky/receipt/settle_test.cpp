@@ -63,13 +63,13 @@ TEST(Settling, ThingsOfEveryKindAreFoundWhereTheyAre) {
   const std::wstring half(200, L'a');  // of a path that is too long for most commands
   const std::string members = R"(
     "environment": {"parent": {"image": "C:\\P\\bundle.exe"}, "wow64": true},
-    "files": [{"path": "C:\\P\\Sealed.exe"}, {"path": "C:\\P\\bundle.exe"},
+    "files": [{"path": "C:\\P\\Sealed.exe"}, {"path": "C:\\P\\bundle.exe"}, {"path": "C:\\T\\m.tmp"},
               {"path": "C:\\Windows\\System32\\DriverStore\\FileRepository\\alone_1\\alone.inf"},
               {"path": "C:\\)" +
                               std::string(200, 'a') + R"(\\)" + std::string(200, 'a') + R"("},
               {"path": "C:\\Windows\\INF\\oem7.inf", "store": "C:\\Store\\x_1\\Flt.inf"},
               {"path": "C:\\link", "link": {"junction": "C:\\absent"}}],
-    "processes": [{"image": "C:\\P\\Sealed.exe"}],
+    "processes": [{"image": "C:\\P\\Sealed.exe"}, {"image": "C:\\T\\m.tmp", "name": "Again.exe"}],
     "registry": [{"key": "HKEY_LOCAL_MACHINE\\SOFTWARE\\Wow6432Node\\S", "values": {"": "d"}},
                  {"key": "HKEY_LOCAL_MACHINE\\SOFTWARE\\Classes\\.ky"}],
     "task_scheduler": {"tasks": [{"path": "\\Update"}]})";
@@ -93,11 +93,13 @@ TEST(Settling, ThingsOfEveryKindAreFoundWhereTheyAre) {
       {{TargetKind::driver_package, L"alone.inf"}, true},
       {{TargetKind::file, L"C:\\" + half + L"\\" + half}, true},
       {{TargetKind::process_file, L"C:\\P\\sealed.exe"}, true},
+      {{TargetKind::process_file, L"C:\\P\\again.exe"}, true},
       {{TargetKind::process_name, L"Seal"}, true},
       {{TargetKind::process_name, L"seal"}, false},
       {{TargetKind::process_name, L"bundle"}, true},
   };
   Account account;
+  account.moves = {{L"C:\\P\\Again.exe", L"C:\\T\\m.tmp"}};
   for (const auto& row : rows) account.named.things.push_back({row.target, {{1, "X", true, true}}});
   const Receipt receipt = settle(account, machine_of(members), machine_of(members));
   ASSERT_EQ(receipt.rows.size(), std::size(rows));
