@@ -132,6 +132,11 @@ bool exists(const std::string& path) {
   return fs::symlink_status(to_path(path), error).type() != fs::file_type::not_found;
 }
 
+bool are_same(const std::string& left, const std::string& right) {
+  std::error_code error;
+  return fs::equivalent(to_path(left), to_path(right), error) && !error;
+}
+
 std::string join(const std::string& folder, const std::string& name) {
   return to_text(to_path(folder) / to_path(name));
 }

@@ -31,6 +31,9 @@ enum class Access : std::uint8_t { everybody, owner_only };
 /// True for whatever has this name, of any kind; also where that cannot be found out.
 [[nodiscard]] bool exists(const std::string& path);
 
+/// True where both paths lead to one file or folder; false where that cannot be found out.
+[[nodiscard]] bool are_same(const std::string& left, const std::string& right);
+
 /// `folder` and `name`, joined as the system at hand does.
 [[nodiscard]] std::string join(const std::string& folder, const std::string& name);
 

@@ -51,6 +51,10 @@ TEST(Receipt, NamesAHeldFileAndASealedProcessAndMakesTheExitCode3) {
   EXPECT_EQ(
       run_program(desk_path(KY_PROGRAM), {"rehearse", "--machine", machine, "--script", file, "--receipt", written}),
       3);
+  EXPECT_EQ(
+      run_program(desk_path(KY_PROGRAM), {"rehearse", "--machine", machine, "--receipt", desk::join(out, "held.json")}),
+      1);
+  EXPECT_EQ(read_text(machine), held_machine);
   picojson::value receipt;
   ASSERT_EQ(picojson::parse(receipt, read_text(written)), "");
   std::map<std::string, std::string> lines;

@@ -40,6 +40,16 @@ machine::State load_state(const RehearseOptions& options) {
   }
 }
 
+/// Whatever the run takes in is not written over.
+void check_receipt(const RehearseOptions& options) {
+  if (!options.receipt) return;
+  for (const std::string& input : {options.machine, options.script.value_or(""), options.script_key.value_or("")}) {
+    if (desk::are_same(*options.receipt, input)) {
+      throw BadInput(*options.receipt + ": the receipt cannot take the place of what is rehearsed");
+    }
+  }
+}
+
 machine::Options machine_options(const RehearseOptions& options, machine::StopHandler on_stop) {
   machine::Options how;
   how.max_steps = options.max_steps;
@@ -68,6 +78,7 @@ std::vector<std::string> written_through(const rehearsal::Outcome& outcome, rehe
 }  // namespace
 
 int rehearse(const RehearseOptions& options, std::ostream& out, std::ostream& err) {
+  check_receipt(options);
   std::function<void(const ports::StopReason&)> on_stop;
   machine::State state = load_state(options);
   const auto parent = state.environment.parent;
