@@ -138,7 +138,7 @@ TEST_P(RoundTrip, EveryRecordOfEightThreadsComesBackInItsThreadsOrder) {
       for (std::size_t n = 0; n < records; ++n) log->WriteLine(message(thread, n).c_str());
     };
     std::uint32_t id = 0;
-    running.push_back(system.threads.start(std::make_unique<support::Body<decltype(work)>>(work), id));
+    running.push_back(system.threads.start(std::make_unique<support::Body>(work), id));
     numbers[id] = thread;
   }
   EXPECT_EQ(system.waits.wait(running, true, ports::infinite), ports::wait_result::object_0);

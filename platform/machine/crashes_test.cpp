@@ -7,6 +7,7 @@
 
 #include "platform/machine/machine.h"
 #include "platform/ports/files.h"
+#include "tests/support/thread_body.h"
 
 namespace machine {
 namespace {
@@ -17,18 +18,13 @@ class DumpingFilter final : public ports::CrashFilter {
   explicit DumpingFilter(Machine& world) : world_(world) {}
 
   std::int32_t on_crash(ports::ExceptionPointers* exception) override {
-    struct Body final : ports::ThreadBody {
-      Body(Machine& of_world, ports::ExceptionPointers* with) : world(of_world), seen(with) {}
-      void run() override {
-        const ports::Handle file = world.files().open(L"C:\\a.dmp", 0x1F01FF, 0, ports::Disposition::create_always, 0);
-        EXPECT_TRUE(world.crashes().write_dump(file, ports::DumpKind::full_memory, seen));
-        world.waits().close(file);
-      }
-      Machine& world;
-      ports::ExceptionPointers* const seen;
+    const auto dump = [this, exception] {
+      const ports::Handle file = world_.files().open(L"C:\\a.dmp", 0x1F01FF, 0, ports::Disposition::create_always, 0);
+      EXPECT_TRUE(world_.crashes().write_dump(file, ports::DumpKind::full_memory, exception));
+      world_.waits().close(file);
     };
     std::uint32_t id = 0;
-    const ports::Handle thread = world_.threads().start(std::make_unique<Body>(world_, exception), id);
+    const ports::Handle thread = world_.threads().start(std::make_unique<support::Body>(dump), id);
     EXPECT_EQ(world_.waits().wait({&thread, 1}, false, ports::infinite), ports::wait_result::object_0);
     world_.waits().close(thread);
     return 1;

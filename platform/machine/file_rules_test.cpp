@@ -14,27 +14,6 @@ namespace share = ports::file_share;
 namespace attribute = ports::file_attribute;
 using support::NamedWorld;
 
-TEST(FileRules, ClaimsExcludeEachOtherBothWays) {
-  const std::uint32_t write = mapped_access(access::generic_write);
-  const std::uint32_t read = mapped_access(access::generic_read);
-  const struct {
-    FileHold standing;
-    std::uint32_t wanted;
-    std::uint32_t shared;
-    bool excluded;
-  } rows[] = {
-      {{read, share::read, 0}, read, share::read, false},
-      {{read, share::read, 0}, write, share::read, true},  // the first forbids writing
-      {{write, share::all, 0}, read, share::read, true},   // the second forbids it
-      {{write, share::all, 0}, read, share::read | share::write, false},
-      {{read, share::read, 0}, access::erase, share::all, true},
-      {{read, share::read | share::erase, 0}, access::erase, share::all, false},
-      {{read, share::none, 0}, access::read_attributes, share::none, false},
-      {{access::write_attributes, share::none, 0}, write, share::none, false},
-  };
-  for (const auto& row : rows) EXPECT_EQ(excludes(row.standing, row.wanted, row.shared), row.excluded);
-}
-
 class Decisions : public testing::Test {
  protected:
   Decisions() {
@@ -43,6 +22,8 @@ class Decisions : public testing::Test {
         .file(L"C:\\f\\hidden", "x", attribute::hidden)
         .file(L"C:\\f\\locked")
         .held(L"C:\\f\\locked", file_right::read_data, share::read)
+        .file(L"C:\\f\\touched")
+        .held(L"C:\\f\\touched", access::write_attributes, share::none)
         .file(L"C:\\f\\image.exe")
         .running(L"C:\\f\\image.exe")
         .file(L"C:\\f\\protected")
@@ -83,6 +64,7 @@ TEST_F(Decisions, WhatMayBeOpened) {
       {L"C:\\f\\hidden", {access::generic_write, 0, create_always, 0}, code::access_denied, OpenAct::open},
       {L"C:\\f\\locked", {access::generic_write, share::all, open_existing, 0}, code::sharing_violation, OpenAct::open},
       {L"C:\\f\\locked", {access::read_attributes, 0, open_existing, 0}, code::success, OpenAct::open},
+      {L"C:\\f\\touched", {access::generic_write, 0, open_existing, 0}, code::success, OpenAct::open},
       {L"C:\\f\\image.exe", {access::generic_write, 7, open_existing, 0}, code::sharing_violation, OpenAct::open},
       {L"C:\\f\\image.exe", {access::erase, 7, open_existing, 0}, code::success, OpenAct::open},
       {L"C:\\f\\protected", {access::erase, 7, open_existing, 0}, code::access_denied, OpenAct::open},

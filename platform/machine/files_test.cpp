@@ -14,24 +14,6 @@ namespace {
 namespace code = ports::code;
 using support::NamedWorld;
 
-TEST(MachineFiles, WhatIsGoingStaysUntilItsLastHandleIsClosed) {
-  const auto machine = NamedWorld().file(L"C:\\a").make();
-  Files& files = machine->files();
-  const auto open = [&files](std::uint32_t access) {
-    return files.open(L"C:\\a", access, ports::file_share::all, ports::Disposition::open_existing, 0);
-  };
-  const ports::Handle reader = open(ports::file_access::generic_read);
-  const ports::Handle eraser = open(ports::file_access::erase);
-  ASSERT_TRUE(files.mark_deleted(eraser));
-  ASSERT_TRUE(machine->waits().close(eraser));
-  EXPECT_FALSE(files.exists(L"C:\\a"));
-  EXPECT_EQ(machine->errors().last(), code::access_denied);
-  EXPECT_EQ(open(ports::file_access::generic_read), ports::Handle::invalid);
-  ASSERT_TRUE(machine->waits().close(reader));
-  EXPECT_FALSE(files.exists(L"C:\\a"));
-  EXPECT_EQ(machine->errors().last(), code::file_not_found);
-}
-
 TEST(MachineFiles, AMarkedFileGoesUnderTheNameThatItHasNow) {
   const auto machine = NamedWorld().file(L"C:\\a").make();
   Files& files = machine->files();
@@ -49,9 +31,6 @@ TEST(MachineFiles, TemporaryNamesPassOverWhatIsThere) {
   std::array<wchar_t, 260> name{};
   EXPECT_EQ(machine->files().temp_file(NamedWorld::temp, L"ky_long", 0, name), 0x1001u);
   EXPECT_EQ(std::wstring(name.data()), std::wstring(NamedWorld::temp) + L"\\ky_1001.tmp");
-  EXPECT_TRUE(machine->files().exists(name.data()));
-  EXPECT_EQ(machine->files().temp_file(L"C:\\absent", L"ky", 0, name), 0u);
-  EXPECT_EQ(machine->errors().last(), code::directory_name_invalid);
 }
 
 TEST(MachineFiles, DelayedMovesAreBookedForWhatIsNotThereToo) {

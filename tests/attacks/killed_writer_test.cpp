@@ -58,7 +58,7 @@ std::wstring message(std::uint32_t n) {
   };
   const auto other = [&] { write(progress.lanes[1]); };
   std::uint32_t id = 0;
-  static_cast<void>(system.threads.start(std::make_unique<support::Body<decltype(other)>>(other), id));
+  static_cast<void>(system.threads.start(std::make_unique<support::Body>(other), id));
   write(progress.lanes[0]);
   _exit(1);
 }

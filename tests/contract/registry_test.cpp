@@ -209,6 +209,7 @@ TEST_P(Registry, ARightThatWasNotAskedForIsRefused) {
   RegistryKey reader = RegistryKey::null;
   ASSERT_EQ(registry().open(root(), L"", 0, access::read, reader), 0U);
   EXPECT_EQ(registry().set(reader, L"v", {RegistryType::none, {}}), code::access_denied);
+  EXPECT_EQ(registry().remove_value(reader, L"v"), code::access_denied);
   EXPECT_EQ(registry().remove(reader), code::access_denied);
   EXPECT_EQ(registry().close(reader), 0U);
   RegistryKey writer = RegistryKey::null;

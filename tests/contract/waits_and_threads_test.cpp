@@ -1,6 +1,7 @@
 #include <functional>
 
 #include "tests/contract/world.h"
+#include "tests/support/thread_body.h"
 
 namespace contract {
 
@@ -9,15 +10,6 @@ namespace {
 using ports::Handle;
 namespace code = ports::code;
 namespace result = ports::wait_result;
-
-class LambdaBody final : public ports::ThreadBody {
- public:
-  explicit LambdaBody(std::function<void()> body) : body_(std::move(body)) {}
-  void run() override { body_(); }
-
- private:
-  std::function<void()> body_;
-};
 
 class WaitsAndThreads : public Contract {
  protected:
@@ -29,7 +21,7 @@ class WaitsAndThreads : public Contract {
     return waits().create_event(manual, set, name);
   }
   Handle start(std::function<void()> body, std::uint32_t& id) {
-    return system().threads.start(std::make_unique<LambdaBody>(std::move(body)), id);
+    return system().threads.start(std::make_unique<support::Body>(std::move(body)), id);
   }
   void close(std::initializer_list<Handle> handles) {
     for (const Handle handle : handles) EXPECT_TRUE(waits().close(handle));

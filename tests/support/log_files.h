@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <span>
 #include <string>
 #include <vector>
@@ -14,6 +15,7 @@
 #include "platform/ports/files.h"
 #include "platform/ports/system.h"
 #include "platform/ports/threads.h"
+#include "tests/support/thread_body.h"
 
 namespace support {
 
@@ -93,22 +95,10 @@ struct SealedLog {
   return log;
 }
 
-/// A thread's body out of a function.
-template <class Work>
-class Body final : public ports::ThreadBody {
- public:
-  explicit Body(Work work) : work_(std::move(work)) {}
-  void run() override { work_(); }
-
- private:
-  Work work_;
-};
-
 /// Runs `work` on a thread of the system's and waits for its end; gives the thread's id.
-template <class Work>
-std::uint32_t run_on_thread(const ports::System& system, Work work) {
+inline std::uint32_t run_on_thread(const ports::System& system, std::function<void()> work) {
   std::uint32_t id = 0;
-  const ports::Handle thread = system.threads.start(std::make_unique<Body<Work>>(std::move(work)), id);
+  const ports::Handle thread = system.threads.start(std::make_unique<Body>(std::move(work)), id);
   EXPECT_EQ(system.waits.wait({&thread, 1}, true, ports::infinite), ports::wait_result::object_0);
   system.waits.close(thread);
   return id;

@@ -99,12 +99,6 @@ TEST_F(CoreTest, AWaitForAllTakesNothingUntilAllAreUp) {
   EXPECT_EQ(core.result(1), wait_result::object_0);
 }
 
-TEST_F(CoreTest, TheLowestOfSeveralSignalledObjectsIsTold) {
-  core.signal(*manual);
-  core.signal(*process);
-  EXPECT_EQ(core.wait(1, {{never, process, manual}}, false, infinite), wait_result::object_0 + 1);
-}
-
 TEST_F(CoreTest, APulseIsSeenByAllThatAreParked) {
   park(1, {manual});
   park(2, {never, manual});
@@ -129,16 +123,6 @@ TEST_F(CoreTest, TheClockStandsWhileSomethingIsHeldOrSomebodyMayRun) {
   EXPECT_EQ(core.stalled(), std::nullopt);
   go();
   EXPECT_EQ(core.now(), 10u);
-}
-
-TEST_F(CoreTest, AThreadsEndWakesWhoJoinsIt) {
-  const auto end = make(WaitableKind::thread);
-  core.add(4, L"joined", end);
-  park(1, {end});
-  park_rest(2);
-  core.leave(4);
-  core.dispatch();
-  EXPECT_TRUE(core.runs(1));
 }
 
 TEST_F(CoreTest, ARepeatingActionTicksAndMayCancelItself) {

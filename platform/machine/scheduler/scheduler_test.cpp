@@ -5,23 +5,16 @@
 #include <atomic>
 #include <sstream>
 
+#include "tests/support/thread_body.h"
+
 namespace machine {
 namespace {
 
 using ports::infinite;
 namespace wait_result = ports::wait_result;
 
-class Body final : public ports::ThreadBody {
- public:
-  explicit Body(std::function<void()> run) : run_(std::move(run)) {}
-  void run() override { run_(); }
-
- private:
-  std::function<void()> run_;
-};
-
 std::shared_ptr<Waitable> start(Scheduler& scheduler, ThreadId id, std::function<void()> run) {
-  auto end = scheduler.start(id, L"worker", std::make_unique<Body>(std::move(run)));
+  auto end = scheduler.start(id, L"worker", std::make_unique<support::Body>(std::move(run)));
   EXPECT_NE(end, nullptr);
   return end;
 }
@@ -84,18 +77,6 @@ TEST(Scheduler, AThousandSerialRunsGiveOneTrace) {
 
 TEST(Scheduler, ParallelRunsEndWithoutAStall) {
   for (int i = 0; i < 200; ++i) ASSERT_NE(trace_of_a_busy_run(Pace::parallel).find("join 0"), std::string::npos);
-}
-
-TEST(Scheduler, ThreeMinutesCostNothing) {
-  const auto begin = std::chrono::steady_clock::now();
-  Scheduler scheduler;
-  const Scheduler::Entered entered(scheduler, 4);
-  const auto process = std::make_shared<Waitable>(WaitableKind::process, L"process");
-  EXPECT_EQ(wait_one(scheduler, process, 180'000), wait_result::timeout);
-  scheduler.schedule_after(180'000, [process](Core& core) { core.signal(*process); });
-  EXPECT_EQ(wait_one(scheduler, process, 180'000), wait_result::object_0);
-  EXPECT_EQ(scheduler.now(), 360'000u);
-  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(30));
 }
 
 TEST(Scheduler, ADeadlockNamesTheThreadsAndFailsTheirWaits) {
