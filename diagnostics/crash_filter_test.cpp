@@ -2,11 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <optional>
 #include <vector>
 
 #include "platform/ports/build.h"
+#include "tests/support/file_names.h"
 #include "tests/support/log_files.h"
 #include "tests/support/named_world.h"
 
@@ -27,16 +27,7 @@ class Crash {
   Crash& operator=(const Crash&) = delete;
 
   [[nodiscard]] std::vector<std::wstring> files(const std::wstring& folder) const {
-    std::vector<std::wstring> names;
-    ports::FolderRow row;
-    const ports::Handle search = system.files.find_first((folder + L"\\*").c_str(), row);
-    if (search == ports::Handle::invalid) return names;
-    do {
-      if ((row.attributes & ports::file_attribute::directory) == 0) names.push_back(row.name);
-    } while (system.files.find_next(search, row));
-    system.files.find_close(search);
-    std::sort(names.begin(), names.end());
-    return names;
+    return support::file_names(system, folder + L"\\*");
   }
 
  private:

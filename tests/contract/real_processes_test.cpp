@@ -9,14 +9,14 @@
 #include "host/session.h"
 #include "installer/desktop/module/library.h"
 #include "installer/utils/base/process/command_line.h"
-#include "installer/utils/base/strings/format.h"
 #include "installer/utils/base/strings/utf8.h"
 #include "ky/keys.h"
-#include "ky/logger_api.h"
 #include "platform/ports/build.h"
 #include "platform/ports/processes.h"
 #include "tests/contract/scratch.h"
 #include "tests/contract/world.h"
+#include "tests/support/close_targets.h"
+#include "tests/support/kept_log.h"
 #include "tests/support/script_text.h"
 
 namespace contract {
@@ -41,26 +41,6 @@ constexpr std::uint32_t alive = STILL_ACTIVE;
 constexpr std::uint32_t closed_itself = 5;
 constexpr std::uint32_t terminated = 0;
 constexpr int never = -1;
-
-/// Keeps the records of a run, and when its wait began.
-class TimedLog final : public ky::Destroyable<TimedLog, ky::ILoggerApi> {
- public:
-  TimedLog(std::vector<std::wstring>& lines, Moment& wait_began) : lines_(lines), wait_began_(wait_began) {}
-  void WriteFormatted(const wchar_t* format, std::va_list arguments) override {
-    WriteLine(base::strings::format_v(format, arguments).c_str());
-  }
-  void WriteLine(const wchar_t* text) override {
-    lines_.emplace_back(text);
-    if (lines_.back().find(L": waiting for ") != std::wstring::npos) wait_began_ = now();
-  }
-  void StartThreadLog(const wchar_t*, bool) override {}
-  void SetXorKey(const char*) override {}
-  void SetMergedNameTag(const wchar_t*) override {}
-
- private:
-  std::vector<std::wstring>& lines_;
-  Moment& wait_began_;
-};
 
 /// A program that runs until it is asked to close, and how long after that.
 struct Running {
@@ -140,8 +120,11 @@ class RealProcesses : public testing::Test {
     const host::TableFactories library{ky::library::factories()};
     host::Session session(system_, library);
     EXPECT_EQ(session.start(host::built_in_script_key()), "");
-    session.store().put(ky::keys::SelfFree_LoggerApi.name,
-                        ky::ToStored<ky::ILoggerApi*>(new TimedLog(log_, wait_began_)));
+    auto* const log = new support::KeptLog(log_);
+    log->on_line = [this] {
+      if (log_.back().find(L": waiting for ") != std::wstring::npos) wait_began_ = now();
+    };
+    session.store().put(ky::keys::SelfFree_LoggerApi.name, ky::ToStored<ky::ILoggerApi*>(log));
     EXPECT_TRUE(session.load(support::ScriptText(system_.cipher).add(name, attributes).text()).empty());
     host::RunObserver observer;
     const Moment begin = now();
@@ -160,35 +143,17 @@ class RealProcesses : public testing::Test {
   Moment wait_began_{};
 };
 
-/// The attributes of a CloseProcesses, entry by entry.
-class Entries {
- public:
-  explicit Entries(std::uint32_t limit) { all_.emplace_back("maxTimeout", std::to_string(limit)); }
-  Entries& add(const std::wstring& process, const std::wstring& cmd, const std::wstring& folder) {
-    const std::string number = std::to_string(++count_);
-    all_.emplace_back("process" + number, base::strings::to_utf8(process));
-    all_.emplace_back("cmd" + number, base::strings::to_utf8(cmd));
-    all_.emplace_back("currentDir" + number, base::strings::to_utf8(folder));
-    return *this;
-  }
-  [[nodiscard]] const support::Attributes& all() const { return all_; }
-
- private:
-  support::Attributes all_;
-  int count_ = 0;
-};
-
 /// Twelve programs with names of their own in one folder.
 struct Twelve {
   std::vector<Running*> programs;
-  Entries entries;
+  support::CloseTargets entries;
 };
 
 class ClosingTwelve : public RealProcesses {
  protected:
   Twelve start_twelve(const std::vector<int>& delays, std::uint32_t limit) {
     const std::wstring suite = folder(L"suite");
-    Twelve made{{}, Entries(limit)};
+    Twelve made{{}, support::CloseTargets(std::to_string(limit))};
     for (std::size_t i = 0; i < delays.size(); ++i) {
       const std::wstring name = L"ky" + std::to_wstring(i + 10) + L".exe";
       made.programs.push_back(&start(copy_to(suite + name), delays[i]));
@@ -257,7 +222,7 @@ TEST_F(RealProcesses, OnlyTheFileThatTheScriptNamesIsClosed) {
       {"the file in other case", &start(shouted, never), true},
       {"the file with dots and a blank behind its name", &start(file + L".. ", never), true},
   };
-  static_cast<void>(run("CloseProcesses", Entries(2000)
+  static_cast<void>(run("CloseProcesses", support::CloseTargets("2000")
                                               .add(L"kytarget.exe", request(asked), ours)
                                               .add(L"kytarget.exe", request(other_target), second)
                                               .add(L"kytarget.exe", L"", folder_ + L"\\one.\\")

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <numeric>
 #include <string>
 #include <utility>
 #include <vector>
@@ -86,11 +87,12 @@ class CommandWorld {
     return ky::FromStored<std::int32_t>(session.store().get("int_" + name));
   }
 
-  /// Makes a file with one byte; its folder is there.
-  void make_file(const wchar_t* path, std::uint32_t attributes = ports::file_attribute::normal) {
+  /// Its folder is there.
+  void make_file(const wchar_t* path, std::uint32_t attributes = ports::file_attribute::normal,
+                 std::string_view bytes = "x") {
     const ports::Handle file = open(path, ports::Disposition::create_new, ports::file_share::none);
     std::uint32_t written = 0;
-    EXPECT_TRUE(system.files.write(file, std::vector<std::uint8_t>{1}, written));
+    EXPECT_TRUE(system.files.write(file, std::vector<std::uint8_t>(bytes.begin(), bytes.end()), written));
     EXPECT_TRUE(system.waits.close(file));
     EXPECT_TRUE(system.files.set_attributes(path, attributes));
   }
@@ -99,6 +101,9 @@ class CommandWorld {
     EXPECT_NE(file, ports::Handle::invalid);
     return file;
   }
+
+  /// The log as it stands.
+  [[nodiscard]] std::wstring lines() const { return std::accumulate(log.begin(), log.end(), std::wstring()); }
 
   machine::Machine world;
   std::unique_ptr<ports::Engines> engines = ports::make_engines(world.errors());

@@ -93,9 +93,29 @@ class NamedWorld {
     return *this;
   }
 
+  /// A process of a program whose file is made where it is not there yet. It stands until the next one is added.
+  machine::RunningProgram& process(std::wstring_view path, std::uint32_t id = 0) {
+    if (id_of(path) == 0) file(path, "MZ");
+    machine::RunningProgram& made = state.processes.emplace_back();
+    made.id = id;
+    made.image = path;
+    return made;
+  }
+
+  /// Started with "/quit", a program asks all processes of its image to close.
+  NamedWorld& answers_quit(std::wstring_view image) {
+    machine::Program& made = state.programs.emplace_back();
+    made.image = image;
+    made.arguments = L"/quit";
+    made.effects = {{machine::EffectKind::ask_to_close, made.image, {}, {}, {}}};
+    return *this;
+  }
+
   /// Something that is there already.
-  [[nodiscard]] machine::FileNode& node(std::wstring_view path) {
-    return state.files.nodes.at(machine::look_up(state.files, parsed(path), machine::LastLink::itself).node);
+  [[nodiscard]] machine::FileNode& node(std::wstring_view path) { return state.files.nodes.at(id_of(path)); }
+  /// 0 where nothing is.
+  [[nodiscard]] machine::NodeId id_of(std::wstring_view path) const {
+    return machine::look_up(state.files, parsed(path), machine::LastLink::itself).node;
   }
 
   [[nodiscard]] std::unique_ptr<machine::Machine> make(machine::Options options = {}) const {

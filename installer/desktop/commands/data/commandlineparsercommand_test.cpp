@@ -1,6 +1,5 @@
 #include "installer/desktop/commands/data/commandlineparsercommand.h"
 
-#include <numeric>
 #include <random>
 #include <sstream>
 
@@ -179,7 +178,7 @@ TEST(CommandLineParser, AParentThatCannotBeReadHasAnEmptyLine) {
 TEST(CommandLineParser, TellsTheLogEachStep) {
   Trial run(L"/silent /pixel_url=a secret", L"/force x");
   run.parse("/silent /force /pixel_url=");
-  EXPECT_EQ(std::accumulate(run.log.begin(), run.log.end(), std::wstring()),
+  EXPECT_EQ(run.lines(),
             L"5: CommandLineParser Begin execute.\n"
             L"5: CommandLineParser initial parent cmd line=/force x\n"
             L"5: known params='/silent /force /pixel_url='. current commandline and parent commandline should be "

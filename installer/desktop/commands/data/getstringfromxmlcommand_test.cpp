@@ -23,10 +23,7 @@ class GetStringFromXml : public CommandFixture {
   }
 
   void make_document(const wchar_t* path, std::string_view bytes) {
-    const ports::Handle file = open(path, ports::Disposition::create_always, ports::file_share::none);
-    std::uint32_t written = 0;
-    EXPECT_TRUE(system.files.write(file, std::vector<std::uint8_t>(bytes.begin(), bytes.end()), written));
-    EXPECT_TRUE(system.waits.close(file));
+    make_file(path, ports::file_attribute::normal, bytes);
   }
 
   /// Takes the output away: what a key held is never released by the command.

@@ -4,6 +4,7 @@
 #include "installer/desktop/commands/base/trace.h"
 #include "ky/error_api.h"
 #include "tests/support/command_fixture.h"
+#include "tests/support/file_names.h"
 #include "tests/support/log_files.h"
 
 namespace ky {
@@ -19,13 +20,7 @@ class LoggerCommand : public CommandFixture {
     run("Logger", attributes);
     release(keys::SelfFree_LoggerApi.name);
     release(keys::SelfFree_ErrorApi.name);
-    std::vector<std::wstring> names;
-    ports::FolderRow row;
-    const ports::Handle search = system.files.find_first(L"C:\\ProgramData\\*.bin", row);
-    EXPECT_NE(search, ports::Handle::invalid);
-    do names.push_back(row.name);
-    while (system.files.find_next(search, row));
-    system.files.find_close(search);
+    const std::vector<std::wstring> names = support::file_names(system, L"C:\\ProgramData\\*.bin");
     for (const std::wstring& name : names) system.files.remove((L"C:\\ProgramData\\" + name).c_str());
     return names;
   }

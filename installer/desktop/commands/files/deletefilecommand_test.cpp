@@ -1,6 +1,7 @@
 #include "installer/desktop/commands/files/deletefilecommand.h"
 
 #include "tests/support/command_fixture.h"
+#include "tests/support/file_names.h"
 
 namespace ky {
 namespace {
@@ -19,17 +20,7 @@ class DeleteFile : public CommandFixture {
   }
 
   /// Names in the temporary folder.
-  std::vector<std::wstring> in_temp() {
-    std::vector<std::wstring> names;
-    ports::FolderRow row;
-    const ports::Handle search = system.files.find_first((temp() + L"*").c_str(), row);
-    if (search == ports::Handle::invalid) return names;
-    do {
-      if ((row.attributes & ports::file_attribute::directory) == 0) names.push_back(row.name);
-    } while (system.files.find_next(search, row));
-    system.files.find_close(search);
-    return names;
-  }
+  std::vector<std::wstring> in_temp() { return support::file_names(system, temp() + L"*"); }
 };
 
 TEST_F(DeleteFile, DeletesAReadOnlyFileAndLogsWithoutTheUsualFrame) {

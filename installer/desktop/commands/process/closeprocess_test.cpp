@@ -1,6 +1,5 @@
 #include "installer/desktop/commands/process/closeprocess.h"
 
-#include <numeric>
 #include <regex>
 #include <thread>
 
@@ -17,18 +16,9 @@ support::NamedWorld tray_world() {
   support::NamedWorld world;
   std::uint32_t id = 1000;
   for (const wchar_t* path : {L"C:\\Suite\\KyTray.exe", L"C:\\Other\\KyTrayer.exe"}) {
-    world.file(path, "MZ");
-    machine::RunningProgram process;
-    process.id = id += 4;
-    process.image = path;
-    process.temper.closes_after = 500;
-    world.state.processes.push_back(process);
+    world.process(path, id += 4).temper.closes_after = 500;
   }
-  machine::Program quit;
-  quit.image = L"C:\\Suite\\KyTray.exe";
-  quit.arguments = L"/quit";
-  quit.effects.push_back({machine::EffectKind::ask_to_close, quit.image, {}, {}, {}});
-  world.state.programs.push_back(quit);
+  world.answers_quit(L"C:\\Suite\\KyTray.exe");
   return world;
 }
 
@@ -43,7 +33,6 @@ struct Trial : CommandWorld {
     system.threads.sleep(1);
     return command;
   }
-  std::wstring lines() const { return std::accumulate(log.begin(), log.end(), std::wstring()); }
   /// Who of those that ran at the start has ended, and when.
   std::wstring ended() {
     std::wstring text;

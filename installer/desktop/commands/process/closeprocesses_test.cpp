@@ -5,6 +5,7 @@
 #include <regex>
 #include <system_error>
 
+#include "tests/support/close_targets.h"
 #include "tests/support/command_fixture.h"
 #include "tests/support/named_world.h"
 
@@ -14,32 +15,10 @@ namespace {
 using machine::EndKind;
 using machine::GivesWay;
 using machine::RunningProgram;
+using TargetList = support::CloseTargets;
 using support::NamedWorld;
 
 constexpr wchar_t agent[] = L"C:\\Suite\\agent.exe";
-
-machine::NodeId id_of(NamedWorld& world, std::wstring_view path) {
-  return machine::look_up(world.state.files, machine::parse_path(path, L"C:\\").path, machine::LastLink::itself).node;
-}
-
-/// A process of a program whose file is made where it is not there yet.
-RunningProgram& runs(NamedWorld& world, std::wstring_view path, std::uint32_t id = 0) {
-  if (id_of(world, path) == 0) world.file(path, "MZ");
-  RunningProgram process;
-  process.id = id;
-  process.image = path;
-  world.state.processes.push_back(process);
-  return world.state.processes.back();
-}
-
-/// A program that asks all processes of `image` to close when it is started with "/quit".
-void answers_quit(NamedWorld& world, std::wstring_view image) {
-  machine::Program program;
-  program.image = image;
-  program.arguments = L"/quit";
-  program.effects.push_back({machine::EffectKind::ask_to_close, std::wstring(image), {}, {}, {}});
-  world.state.programs.push_back(program);
-}
 
 /// One run of the command on a machine.
 struct Trial : CommandWorld {
@@ -83,8 +62,7 @@ struct Trial : CommandWorld {
   }
   /// The log as it stands, but for handles and the last error beside them, which is anything after success.
   std::wstring lines() const {
-    std::wstring all;
-    for (const std::wstring& line : log) all += line;
+    std::wstring all = CommandWorld::lines();
     all = std::regex_replace(all, std::wregex(L"handle=(?!0{16})[0-9A-F]{16}, error=[0-9a-f]+"), L"handle=H, error=E");
     return std::regex_replace(all, std::wregex(L"handle=[0-9A-F]{16}\n"), L"handle=H\n");
   }
@@ -93,153 +71,119 @@ struct Trial : CommandWorld {
 
 using Attributes = CommandWorld::Attributes;
 
-Attributes one_target(const char* process = "agent.exe", const char* folder = "C:\\Suite\\") {
-  return {{"maxTimeout", "1000"}, {"process1", process}, {"cmd1", ""}, {"currentDir1", folder}};
+Attributes one_target(const std::string& process = "agent.exe", const std::string& folder = "C:\\Suite\\") {
+  return TargetList("1000").add(process, "", folder).all();
 }
 
 enum class Fate { closed, stranger, unseen, unreadable };
 
 TEST(CloseProcesses, OnlyThoseThatRunTheVeryFileEnd) {
+  constexpr wchar_t equally_long[] = L"C:\\Other\\agent.exe", elsewhere[] = L"C:\\Elsewhere\\agent.exe";
+  using LayOut = std::function<void(NamedWorld&)>;
+  using Tweak = std::function<void(NamedWorld&, RunningProgram&)>;
+  const auto hard_link_in = [](const wchar_t* folder) -> LayOut {
+    return [folder](NamedWorld& w) {
+      w.folder(folder);
+      machine::add_name(w.state.files, w.id_of(agent), {w.id_of(folder), L"agent.exe"});
+    };
+  };
+  const auto a_link_to = [](const wchar_t* target) -> LayOut {
+    return [target](NamedWorld& w) {
+      w.node(agent).link = machine::LinkKind::symbolic;
+      w.node(agent).target = target;
+    };
+  };
+  const LayOut substituted = [](NamedWorld& w) { w.state.files.substitutes[L"S:"] = L"C:\\Suite"; };
+  const LayOut cased = [](NamedWorld& w) { machine::set_case_sensitive(w.node(L"C:\\Suite"), true); };
+  const Tweak shown_as_agent = [](NamedWorld&, RunningProgram& process) { process.name = L"agent.exe"; };
+  const auto another = [&](GivesWay moment) -> Tweak {
+    return [&, moment](NamedWorld& w, RunningProgram& process) {
+      process.gives_way = moment;
+      process.successor.emplace_back().image = equally_long;
+      w.file(equally_long, "MZ");
+    };
+  };
   const struct {
     const char* kind;
-    std::function<void(NamedWorld&)> lay_out;
     Fate fate;
+    const wchar_t* runs = agent;
     const char* process = "agent.exe";
     const char* folder = "C:\\Suite\\";
+    LayOut lay_out = [](NamedWorld&) {};
+    Tweak tweak = [](NamedWorld&, RunningProgram&) {};
   } rows[] = {
-      {"the file itself", [](NamedWorld& w) { runs(w, agent); }, Fate::closed},
-      {"the same name in a folder of another length", [](NamedWorld& w) { runs(w, L"C:\\Elsewhere\\agent.exe"); },
-       Fate::stranger},
-      {"a copy in a folder of equal length", [](NamedWorld& w) { runs(w, L"C:\\Other\\agent.exe"); }, Fate::stranger},
-      {"a name that only begins alike", [](NamedWorld& w) { runs(w, L"C:\\Suite\\agent.exe.exe"); }, Fate::unseen},
-      {"a hard link in a folder of equal length, which is the very file by another name",
-       [](NamedWorld& w) {
-         w.folder(L"C:\\Other");
-         machine::add_name(w.state.files, id_of(w, agent), {id_of(w, L"C:\\Other"), L"agent.exe"});
-         runs(w, L"C:\\Other\\agent.exe");
-       },
-       Fate::closed},
-      {"a hard link in a folder of another length",
-       [](NamedWorld& w) {
-         w.folder(L"C:\\Elsewhere");
-         machine::add_name(w.state.files, id_of(w, agent), {id_of(w, L"C:\\Elsewhere"), L"agent.exe"});
-         runs(w, L"C:\\Elsewhere\\agent.exe");
-       },
-       Fate::stranger},
-      {"a folder told by its short name",
-       [](NamedWorld& w) {
-         runs(w, L"C:\\Suite Tools\\agent.exe");
-         w.node(L"C:\\").short_names[L"SUITET~1"] = L"Suite Tools";
-       },
-       Fate::stranger, "agent.exe", "C:\\SUITET~1\\"},
-      {"a process that shows a short name",
-       [](NamedWorld& w) {
-         w.node(L"C:\\Suite").short_names[L"AGENT~1.EXE"] = L"agent.exe";
-         runs(w, L"C:\\Suite\\AGENT~1.EXE").name = L"agent.exe";
-       },
-       Fate::stranger},
-      {"a drive that stands for the folder, in the script",
-       [](NamedWorld& w) {
-         w.state.files.substitutes[L"S:"] = L"C:\\Suite";
-         runs(w, agent);
-       },
-       Fate::stranger, "agent.exe", "S:\\"},
-      {"a drive that stands for the folder, at the process",
-       [](NamedWorld& w) {
-         w.state.files.substitutes[L"S:"] = L"C:\\Suite";
-         runs(w, L"S:\\agent.exe");
-       },
-       Fate::stranger},
-      {"another case at the process", [](NamedWorld& w) { runs(w, L"C:\\SUITE\\AGENT.EXE"); }, Fate::closed},
-      {"another case in the script", [](NamedWorld& w) { runs(w, agent); }, Fate::closed, "AGENT.exe", "c:\\SUITE\\"},
-      {"in a folder that tells case apart, the very name",
-       [](NamedWorld& w) {
-         machine::set_case_sensitive(w.node(L"C:\\Suite"), true);
-         runs(w, agent);
-       },
-       Fate::closed},
-      {"in a folder that tells case apart, a file of another case",
-       [](NamedWorld& w) {
-         machine::set_case_sensitive(w.node(L"C:\\Suite"), true);
-         runs(w, L"C:\\Suite\\AGENT.exe");
-       },
-       Fate::stranger},
-      {"in a folder that tells case apart, a name with capitals",
-       [](NamedWorld& w) {
-         machine::set_case_sensitive(w.node(L"C:\\Suite"), true);
-         runs(w, L"C:\\Suite\\Agent.exe");
-       },
-       Fate::closed, "Agent.exe"},
-      {"trailing dots in the script's folder", [](NamedWorld& w) { runs(w, agent); }, Fate::stranger, "agent.exe",
-       "C:\\Suite.\\"},
-      {"a trailing blank at the process", [](NamedWorld& w) { runs(w, L"C:\\Suite\\agent.exe ").name = L"agent.exe"; },
-       Fate::stranger},
-      {"no backslash behind the folder", [](NamedWorld& w) { runs(w, agent); }, Fate::stranger, "agent.exe",
-       "C:\\Suite"},
-      {"an id that went to another program before the path was read",
-       [](NamedWorld& w) {
-         RunningProgram next;
-         next.image = L"C:\\Other\\agent.exe";
-         w.file(next.image, "MZ");
-         RunningProgram& process = runs(w, agent);
-         process.gives_way = GivesWay::after_snapshot;
-         process.successor.push_back(next);
-       },
-       Fate::stranger},
-      {"an id that went to another program after the path was read",
-       [](NamedWorld& w) {
-         RunningProgram next;
-         next.image = L"C:\\Other\\agent.exe";
-         w.file(next.image, "MZ");
-         RunningProgram& process = runs(w, agent);
-         process.gives_way = GivesWay::after_image_path;
-         process.successor.push_back(next);
-       },
-       Fate::stranger},
-      {"a path that cannot be read", [](NamedWorld& w) { runs(w, agent).temper.image_unreadable = true; },
-       Fate::unreadable},
-      {"a path of 32,000 characters",
-       [](NamedWorld& w) {
-         RunningProgram process;
-         process.image = L"C:\\" + std::wstring(31'987, L'x') + L"\\agent.exe";
-         w.state.processes.push_back(process);
-       },
-       Fate::stranger},
-      {"a link in the file's place, for what ran from there before",
-       [](NamedWorld& w) {
-         w.node(agent).link = machine::LinkKind::symbolic;
-         w.node(agent).target = L"C:\\Elsewhere\\agent.exe";
-         w.file(L"C:\\Elsewhere\\agent.exe", "MZ");
-         runs(w, agent);
-       },
-       Fate::closed},
-      {"a link in the file's place, for what it leads to",
-       [](NamedWorld& w) {
-         w.node(agent).link = machine::LinkKind::symbolic;
-         w.node(agent).target = L"C:\\Elsewhere\\agent.exe";
-         runs(w, L"C:\\Elsewhere\\agent.exe");
-       },
-       Fate::stranger},
-      {"a link in the file's place, for what it leads to by a path of equal length, which the script then names",
-       [](NamedWorld& w) {
-         w.node(agent).link = machine::LinkKind::symbolic;
-         w.node(agent).target = L"C:\\Other\\agent.exe";
-         runs(w, L"C:\\Other\\agent.exe");
-       },
-       Fate::closed},
-      {"a link in the file's place that leads nowhere",
-       [](NamedWorld& w) {
-         w.node(agent).link = machine::LinkKind::symbolic;
-         w.node(agent).target = L"C:\\Nowhere\\agent.exe";
-         runs(w, L"C:\\Other\\agent.exe");
-       },
-       Fate::stranger},
+      {"the file itself", Fate::closed},
+      {"the same name in a folder of another length", Fate::stranger, elsewhere},
+      {"a copy in a folder of equal length", Fate::stranger, equally_long},
+      {"a name that only begins alike", Fate::unseen, L"C:\\Suite\\agent.exe.exe"},
+      {.kind = "a hard link in a folder of equal length, which is the very file by another name",
+       .fate = Fate::closed,
+       .runs = equally_long,
+       .lay_out = hard_link_in(L"C:\\Other")},
+      {.kind = "a hard link in a folder of another length",
+       .fate = Fate::stranger,
+       .runs = L"C:\\Further\\agent.exe",
+       .lay_out = hard_link_in(L"C:\\Further")},
+      {"a folder told by its short name", Fate::stranger, L"C:\\Suite Tools\\agent.exe", "agent.exe", "C:\\SUITET~1\\",
+       [](NamedWorld& w) { w.node(L"C:\\").short_names[L"SUITET~1"] = L"Suite Tools"; }},
+      {"a process that shows a short name", Fate::stranger, L"C:\\Suite\\AGENT~1.EXE", "agent.exe", "C:\\Suite\\",
+       [](NamedWorld& w) { w.node(L"C:\\Suite").short_names[L"AGENT~1.EXE"] = L"agent.exe"; }, shown_as_agent},
+      {"a drive that stands for the folder, in the script", Fate::stranger, agent, "agent.exe", "S:\\", substituted},
+      {.kind = "a drive that stands for the folder, at the process",
+       .fate = Fate::stranger,
+       .runs = L"S:\\agent.exe",
+       .lay_out = substituted},
+      {"another case at the process", Fate::closed, L"C:\\SUITE\\AGENT.EXE"},
+      {"another case in the script", Fate::closed, agent, "AGENT.exe", "c:\\SUITE\\"},
+      {.kind = "in a folder that tells case apart, the very name", .fate = Fate::closed, .lay_out = cased},
+      {.kind = "in a folder that tells case apart, a file of another case",
+       .fate = Fate::stranger,
+       .runs = L"C:\\Suite\\AGENT.exe",
+       .lay_out = cased},
+      {"in a folder that tells case apart, a name with capitals", Fate::closed, L"C:\\Suite\\Agent.exe", "Agent.exe",
+       "C:\\Suite\\", cased},
+      {"trailing dots in the script's folder", Fate::stranger, agent, "agent.exe", "C:\\Suite.\\"},
+      {.kind = "a trailing blank at the process",
+       .fate = Fate::stranger,
+       .runs = L"C:\\Suite\\agent.exe ",
+       .tweak = shown_as_agent},
+      {"no backslash behind the folder", Fate::stranger, agent, "agent.exe", "C:\\Suite"},
+      {.kind = "an id that went to another program before the path was read",
+       .fate = Fate::stranger,
+       .tweak = another(GivesWay::after_snapshot)},
+      {.kind = "an id that went to another program after the path was read",
+       .fate = Fate::stranger,
+       .tweak = another(GivesWay::after_image_path)},
+      {.kind = "a path that cannot be read",
+       .fate = Fate::unreadable,
+       .tweak = [](NamedWorld&, RunningProgram& process) { process.temper.image_unreadable = true; }},
+      {.kind = "a path of 32,000 characters",
+       .fate = Fate::stranger,
+       .tweak = [](NamedWorld&,
+                   RunningProgram& process) { process.image = L"C:\\" + std::wstring(31'987, L'x') + L"\\agent.exe"; }},
+      {.kind = "a link in the file's place, for what ran from there before",
+       .fate = Fate::closed,
+       .lay_out = a_link_to(elsewhere)},
+      {.kind = "a link in the file's place, for what it leads to",
+       .fate = Fate::stranger,
+       .runs = elsewhere,
+       .lay_out = a_link_to(elsewhere)},
+      {.kind =
+           "a link in the file's place, for what it leads to by a path of equal length, which the script then names",
+       .fate = Fate::closed,
+       .runs = equally_long,
+       .lay_out = a_link_to(equally_long)},
+      {.kind = "a link in the file's place that leads nowhere",
+       .fate = Fate::stranger,
+       .runs = equally_long,
+       .lay_out = a_link_to(L"C:\\Nowhere\\agent.exe")},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.kind);
     NamedWorld layout;
-    layout.file(agent, "MZ");
+    layout.file(agent, "MZ").file(elsewhere, "MZ");
     row.lay_out(layout);
+    row.tweak(layout, layout.process(row.runs));
     Trial run(layout);
     EXPECT_EQ(run.close(one_target(row.process, row.folder)), 0u);
     EXPECT_EQ(run.ended().empty(), row.fate != Fate::closed) << testing::PrintToString(run.lines());
@@ -251,16 +195,14 @@ TEST(CloseProcesses, OnlyThoseThatRunTheVeryFileEnd) {
 
 TEST(CloseProcesses, EachProcessTakesTheTargetOfItsOwnFolder) {
   NamedWorld layout;
-  for (const wchar_t* path : {L"C:\\One\\agent.exe", L"C:\\Two\\agent.exe", L"C:\\Six\\agent.exe"}) runs(layout, path);
-  answers_quit(layout, L"C:\\Two\\agent.exe");
+  for (const wchar_t* path : {L"C:\\One\\agent.exe", L"C:\\Two\\agent.exe", L"C:\\Six\\agent.exe"})
+    layout.process(path);
+  layout.answers_quit(L"C:\\Two\\agent.exe");
   Trial run(layout);
-  EXPECT_EQ(run.close({{"maxTimeout", "0x64"},
-                       {"process1", "agent.exe"},
-                       {"cmd1", ""},
-                       {"currentDir1", "C:\\One\\"},
-                       {"process2", "AGENT.EXE"},
-                       {"cmd2", "\"C:\\Two\\agent.exe\" /quit"},
-                       {"currentDir2", "C:\\Two\\"}}),
+  EXPECT_EQ(run.close(TargetList("0x64")
+                          .add("agent.exe", "", "C:\\One\\")
+                          .add("AGENT.EXE", "\"C:\\Two\\agent.exe\" /quit", "C:\\Two\\")
+                          .all()),
             0u);
   EXPECT_EQ(run.ended(), L"asked C:\\Two\\agent.exe at 0, terminated C:\\One\\agent.exe at 100");
 }
@@ -271,8 +213,8 @@ TEST(CloseProcesses, AskAllAtOnceAndTerminateWhatIsLeft) {
   const std::wstring suite = L"C:\\Suite\\";
   std::uint32_t id = 1000;
   for (const wchar_t* name : {L"ui.exe", L"tray.exe", L"hangs.exe", L"silent.exe", L"shut.exe"}) {
-    runs(layout, suite + name, id += 4);
-    answers_quit(layout, suite + name);
+    layout.process(suite + name, id += 4);
+    layout.answers_quit(suite + name);
   }
   layout.state.processes[0].temper.closes_after = 500;
   layout.state.processes[1].temper.closes_after = 900;
@@ -280,27 +222,16 @@ TEST(CloseProcesses, AskAllAtOnceAndTerminateWhatIsLeft) {
   layout.state.processes[4].temper.refuses = ports::process_access::terminate;
   Trial run(layout);
   run.put("Suite", L"C:\\Suite\\");
-  EXPECT_EQ(run.close({{"maxTimeout", "1000"},
-                       {"next", "9"},
-                       {"process1", "ui.exe"},
-                       {"cmd1", "[Suite]ui.exe /quit"},
-                       {"currentDir1", "[Suite]"},
-                       {"process2", "Tray.exe"},
-                       {"cmd2", "/quit"},
-                       {"currentDir2", "[Suite]"},
-                       {"limited2", "1"},
-                       {"process3", "hangs.exe"},
-                       {"cmd3", "C:\\Suite\\hangs.exe /quit"},
-                       {"currentDir3", "[Suite]"},
-                       {"process4", "silent.exe"},
-                       {"cmd4", ""},
-                       {"currentDir4", "[Suite]"},
-                       {"process5", "lost.exe"},
-                       {"cmd5", "[Missing] /quit"},
-                       {"currentDir5", "[Suite]"},
-                       {"process6", "shut.exe"},
-                       {"cmd6", "C:\\Suite\\shut.exe /quit"},
-                       {"currentDir6", "[Suite]"}}),
+  EXPECT_EQ(run.close(TargetList("1000")
+                          .add("ui.exe", "[Suite]ui.exe /quit", "[Suite]")
+                          .add("Tray.exe", "/quit", "[Suite]")
+                          .add("hangs.exe", "C:\\Suite\\hangs.exe /quit", "[Suite]")
+                          .add("silent.exe", "", "[Suite]")
+                          .add("lost.exe", "[Missing] /quit", "[Suite]")
+                          .add("shut.exe", "C:\\Suite\\shut.exe /quit", "[Suite]")
+                          .with("limited2", "1")
+                          .with("next", "9")
+                          .all()),
             0u);
   EXPECT_EQ(
       run.ended(),
@@ -335,9 +266,8 @@ TEST(CloseProcesses, WaitNoLongerThanTheSlowestAndNotAtAllForNoneOrTooMany) {
   for (const std::size_t count : {0u, 1u, 12u, 64u, 65u}) {
     SCOPED_TRACE(count);
     NamedWorld layout;
-    answers_quit(layout, agent);
-    layout.file(agent, "MZ");
-    for (std::uint32_t i = 0; i < count; ++i) runs(layout, agent).temper.closes_after = 100 * (i + 1);
+    layout.file(agent, "MZ").answers_quit(agent);
+    for (std::uint32_t i = 0; i < count; ++i) layout.process(agent).temper.closes_after = 100 * (i + 1);
     Trial run(layout);
     const std::uint32_t began = run.system.clock.ticks();
     Attributes attributes = one_target();
@@ -363,7 +293,7 @@ TEST(CloseProcesses, TakeAProcessThatEndsBetweenTwoCallsAsItComes) {
   };
   for (const auto& row : rows) {
     NamedWorld layout;
-    runs(layout, agent, 1004).gives_way = row.when;
+    layout.process(agent, 1004).gives_way = row.when;
     Trial run(layout);
     EXPECT_EQ(run.close(one_target()), 0u);
     EXPECT_TRUE(run.says(row.line)) << testing::PrintToString(run.lines());
@@ -374,7 +304,7 @@ TEST(CloseProcesses, TakeAProcessThatEndsBetweenTwoCallsAsItComes) {
 TEST(CloseProcesses, FailedCallsSpareProcessesAndLeakNothing) {
   using faults::Operation;
   NamedWorld layout;
-  runs(layout, agent, 1004);
+  layout.process(agent, 1004);
   const struct {
     Operation operation;
     std::uint64_t call;

@@ -2,30 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <limits>
 
 namespace base::expressions {
 namespace {
 
-constexpr std::int32_t lowest = std::numeric_limits<std::int32_t>::min();
 constexpr double infinite = std::numeric_limits<double>::infinity();
-
-TEST(Arithmetic, ConvertsToIntegersAsTheProcessorDoes) {
-  const struct {
-    double value;
-    std::int32_t integer;
-  } rows[] = {{2.9, 2},
-              {-2.9, -2},
-              {2147483647.9, 2147483647},
-              {2147483648.0, lowest},
-              {-2147483648.9, lowest},
-              {-2147483649.0, lowest},
-              {1e300, lowest},
-              {infinite, lowest},
-              {std::nan(""), lowest}};
-  for (const auto& row : rows) EXPECT_EQ(to_integer(row.value), row.integer) << row.value;
-}
 
 TEST(Arithmetic, ReadsNumbersUpToWhereTheyAreOne) {
   const struct {
@@ -47,20 +29,6 @@ TEST(Arithmetic, ReadsNumbersUpToWhereTheyAreOne) {
               {"1e-400", 0},
               {"4.9e-324", 4.9e-324}};
   for (const auto& row : rows) EXPECT_EQ(to_number(row.token), row.value) << row.token;
-}
-
-TEST(Arithmetic, KnowsWhereARemainderFaults) {
-  EXPECT_TRUE(remainder_faults(1, 0.9));
-  EXPECT_TRUE(remainder_faults(lowest, -1));
-  EXPECT_TRUE(remainder_faults(1e300, -1.5));
-  EXPECT_FALSE(remainder_faults(lowest + 1.0, -1));
-  EXPECT_FALSE(remainder_faults(0, 1));
-}
-
-TEST(Arithmetic, AFactorialEndsWhereItIsInfinite) {
-  EXPECT_EQ(apply_operator(Operator::factorial, 20.9, 0), 2432902008176640000.0);
-  EXPECT_EQ(apply_operator(Operator::factorial, 2147483647, 0), infinite);
-  EXPECT_EQ(apply_operator(Operator::factorial, lowest, 0), lowest);
 }
 
 }  // namespace

@@ -32,6 +32,7 @@ TEST(SyntaxCheck, TellsWhereATextEndsOrFailsAndWhatItNames) {
       {"x = a #1", "Syntax error in part \"#1\"", 6, "a@4"},
       {"x #1", "Syntax error in part \"#1\"", 2, ""},
       {" \t", "Empty expression", 2, ""},
+      {"1e300 % (0 - 1.5)", "A remainder that stops the process", 13, ""},
       {"a % 0.9", "A remainder that stops the process", 4, "a@0"},
       {"-2 ^ 31 % (2 - 3)", "A remainder that stops the process", 15, ""},
       {"5 % a + 0 % 4 % (a - a)", "", 23, "a@4 a@17 a@21"},

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "installer/extern/base/include/winapi/win_error_category.h"
-#include "installer/utils/base/process/image_path.h"
 #include "installer/utils/base/process/process_snapshot.h"
 #include "tests/support/bound_world.h"
 #include "tests/support/fake_inspection.h"
@@ -100,55 +99,9 @@ TEST_F(CommandLineOf, WhatCannotBeReadIsToldUpToTheQueryAndNotBeyond) {
   expect(L"c.exe", {}, "kind of process");
 }
 
-TEST_F(CommandLineOf, TheMachinesProcessesAnswerByTheirTemper) {
-  const auto add = [&](std::uint32_t id, const std::wstring& image, const std::wstring& line) -> machine::Temper& {
-    machine::RunningProgram program;
-    program.id = id;
-    program.image = image;
-    program.command_line = line;
-    world.state.processes.push_back(program);
-    return world.state.processes.back().temper;
-  };
-  const std::wstring deep = L"C:\\" + std::wstring(31'993, L'd') + L".exe";
-  add(100, L"C:\\Suite\\one.exe", L"one.exe /x");
-  add(104, L"C:\\Suite\\one.exe", L"");
-  add(108, L"C:\\Suite\\one.exe", L"one.exe").refuses = ports::process_access::vm_read;
-  add(112, L"C:\\Suite\\one.exe", L"one.exe").image_unreadable = true;
-  add(116, L"C:\\Suite\\one.exe", L"one.exe").parameters_unreadable = true;
-  add(120, L"C:\\Suite\\one.exe", L"one.exe").wow64 = true;
-  add(124, deep, deep);
-  add(128, L"C:\\Suite\\gone.exe", L"gone.exe");
-  world.state.processes.back().gives_way = machine::GivesWay::after_snapshot;
-  const struct {
-    std::uint32_t id;
-    std::wstring path;
-    ports::ErrorCode path_error;
-    std::wstring line;
-    ports::ErrorCode line_error;
-  } rows[] = {
-      {0, L"", 0, L"", code::invalid_parameter},
-      {100, L"C:\\Suite\\one.exe", 0, L"one.exe /x", 0},
-      {104, L"C:\\Suite\\one.exe", 0, L"", 0},
-      {108, L"", code::access_denied, L"", code::access_denied},
-      {112, L"", code::access_denied, L"one.exe", 0},
-      {116, L"C:\\Suite\\one.exe", 0, L"", 0},
-      {120, L"C:\\Suite\\one.exe", 0, L"one.exe", 0},
-      {124, deep, 0, deep, 0},
-      {128, L"", code::invalid_parameter, L"", code::invalid_parameter},
-  };
-  start();
-  EXPECT_EQ(FindProcessIdByPrefix(L"gone"), 128u) << "it ends behind the snapshot";
-  for (const auto& row : rows) {
-    std::error_code path_error, line_error;
-    EXPECT_EQ(GetProcessImagePath(row.id, path_error), row.path) << row.id;
-    EXPECT_EQ(path_error.value(), static_cast<int>(row.path_error)) << row.id;
-    EXPECT_EQ(GetProcessCommandLine(row.id, line_error), row.line) << row.id;
-    EXPECT_EQ(line_error.value(), static_cast<int>(row.line_error)) << row.id;
-  }
-}
-
 TEST_F(CommandLineOf, NothingIsKnownOfNoProcess) {
   start(fake);
+  expect(L"", winapi::error_of(code::invalid_parameter), "an id of none");
   const ProcessBasicInfo info = QueryProcessBasicInfo(ports::Handle::null);
   EXPECT_FALSE(info.valid);
   EXPECT_EQ(info.information.parent_id + info.information.environment_block, 0u);

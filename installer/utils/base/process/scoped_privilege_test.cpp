@@ -56,17 +56,5 @@ TEST_F(Privilege, AFailureOnTheWayIsNoSuccessAndLeavesNothing) {
   }
 }
 
-TEST_F(Privilege, GoesBackAlsoWhenAnExceptionPasses) {
-  world.state.environment.privileges = Privileges{privilege::debug};
-  world.state.enabled_privileges = {};
-  start();
-  try {
-    const ScopedPrivilege held(L"SeDebugPrivilege");
-    throw 1;
-  } catch (int) {
-    EXPECT_EQ(enabled(), Privileges());
-  }
-}
-
 }  // namespace
 }  // namespace base::process
