@@ -6,18 +6,13 @@
 #include <string>
 
 #include "diagnostics/log_public_key.h"
-#include "platform/desk/desk.h"
+#include "tests/support/development_key.h"
+#include "tests/support/temporary_folder.h"
 
 namespace diagnostics {
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
-
-Bytes der_of(const char* name, std::string_view label) {
-  std::string text;
-  EXPECT_EQ(desk::read_file(std::string(KY_SOURCE_FOLDER "/keys/development/") + name, 10'000, text), "");
-  return der_in_pem(text, label);
-}
 
 Bytes part(const Bytes& bytes, std::size_t from, std::size_t size) {
   const auto begin = bytes.begin() + static_cast<std::ptrdiff_t>(from);
@@ -25,8 +20,8 @@ Bytes part(const Bytes& bytes, std::size_t from, std::size_t size) {
 }
 
 TEST(RsaBlob, AKeyPairGivesItsTwoBlobs) {
-  const Bytes open = public_key_blob(der_of("log-public.pem", public_key_label));
-  const Bytes secret = private_key_blob(der_of("log-private.pem", private_key_label));
+  const Bytes open = support::log_public_key();
+  const Bytes secret = support::log_private_key();
   const Bytes header = {'R', 'S', 'A', '1', 0, 4, 0, 0, 3, 0, 0, 0, 128, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 1};
   ASSERT_EQ(open.size(), 155U);
   EXPECT_EQ(part(open, 0, header.size()), header);
@@ -37,15 +32,14 @@ TEST(RsaBlob, AKeyPairGivesItsTwoBlobs) {
 }
 
 TEST(RsaBlob, TheBuildHasTheBlobOfTheKeyThatItWasGiven) {
-  std::string text;
-  ASSERT_EQ(desk::read_file(KY_LOG_PUBLIC_KEY, 10'000, text), "");
   const auto built_in = log_public_key();
-  EXPECT_EQ(Bytes(built_in.begin(), built_in.end()), public_key_blob(der_in_pem(text, public_key_label)));
+  EXPECT_EQ(Bytes(built_in.begin(), built_in.end()),
+            public_key_blob(der_in_pem(support::text_of(KY_LOG_PUBLIC_KEY), public_key_label)));
 }
 
 TEST(RsaBlob, WhatIsNoKeyGivesNone) {
-  const Bytes open = der_of("log-public.pem", public_key_label);
-  const Bytes secret = der_of("log-private.pem", private_key_label);
+  const Bytes open = support::development_key("log-public.pem", public_key_label);
+  const Bytes secret = support::development_key("log-private.pem", private_key_label);
   EXPECT_TRUE(public_key_blob(secret).empty());
   EXPECT_TRUE(private_key_blob(open).empty());
   for (std::size_t size = 0; size < secret.size(); ++size) {

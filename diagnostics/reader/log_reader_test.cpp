@@ -19,15 +19,6 @@ class LogReader : public testing::Test {
   [[nodiscard]] static std::string golden(const std::string& name) {
     return KY_SOURCE_FOLDER "/tests/golden/logs/" + name;
   }
-  [[nodiscard]] static std::string text_of(const std::string& path) {
-    std::string text;
-    EXPECT_EQ(desk::read_file(path, 100'000, text), "");
-    return text;
-  }
-  std::string write(const char* name, const std::string& bytes) {
-    EXPECT_EQ(desk::write_file(folder_ / name, bytes), "");
-    return folder_ / name;
-  }
   support::ReadRecords read(const std::vector<std::string>& paths, bool by_thread = false) {
     settings_.by_thread = by_thread;
     support::ReadRecords sink;
@@ -69,7 +60,7 @@ TEST_F(LogReader, TheGoldenLogsAreReadInEitherFormFromMergedAndFromThreadFiles) 
     std::vector<std::string> paths;
     for (const std::string& file : files) paths.push_back(golden(file));
     const support::ReadRecords timeline = read(paths);
-    EXPECT_EQ(timeline.text(), text_of(golden(expected))) << files[0];
+    EXPECT_EQ(timeline.text(), support::text_of(golden(expected))) << files[0];
     EXPECT_EQ(timeline.told(), "");
     EXPECT_EQ(timeline.days.front(), 20406);
     EXPECT_EQ(timeline.days.back(), 20407);
@@ -100,7 +91,7 @@ TEST_F(LogReader, ATimelineKeepsTiesInTheOrderOfThreadsAndThreadsInTheirOwn) {
       }
     }
   }
-  std::vector<std::string> lines = read({write("a.7.kyinstall.v2.bin", merged)}).lines;
+  std::vector<std::string> lines = read({folder_.write("a.7.kyinstall.v2.bin", merged)}).lines;
   std::erase_if(lines, [](const std::string& line) { return line.find("=") != std::string::npos; });
   EXPECT_EQ(lines, expected);
 }
@@ -111,12 +102,14 @@ TEST_F(LogReader, DatesComeFromFirstRecordsAndFallsOfMoreThanHalfADay) {
   const std::string after =
       maker_.record("00:10:00:000", L"=========== Started logging for thread 2 (x) on 15.11.2025 =====");
   const std::vector<std::string> paths = {
-      write("a.7.1.v2.bin", maker_.header() + start("23:50:00:000", 1) + maker_.record("11:50:00:000", L"half a day") +
-                                maker_.record("23:51:00:000", L"one") + maker_.record("00:20:00:000", L"one")),
-      write("a.7.2.v2.bin", maker_.header() + after + maker_.record("00:30:00:000", L"two")),
-      write("a.7.3.v2.bin", maker_.header() + maker_.record("00:15:00:000", L"three")),
-      write("a.7.4.v2.bin", maker_.header() + start("23:55:00:000", 4) + maker_.record("23:40:00:000", L"back") +
-                                maker_.record("23:56:00:000", L"four"))};
+      folder_.write("a.7.1.v2.bin", maker_.header() + start("23:50:00:000", 1) +
+                                        maker_.record("11:50:00:000", L"half a day") +
+                                        maker_.record("23:51:00:000", L"one") + maker_.record("00:20:00:000", L"one")),
+      folder_.write("a.7.2.v2.bin", maker_.header() + after + maker_.record("00:30:00:000", L"two")),
+      folder_.write("a.7.3.v2.bin", maker_.header() + maker_.record("00:15:00:000", L"three")),
+      folder_.write("a.7.4.v2.bin", maker_.header() + start("23:55:00:000", 4) +
+                                        maker_.record("23:40:00:000", L"back") +
+                                        maker_.record("23:56:00:000", L"four"))};
   const support::ReadRecords all = read(paths);
   std::string order;
   for (std::size_t i = 0; i < all.lines.size(); ++i) {
@@ -163,7 +156,7 @@ TEST_F(LogReader, DamageIsToldWithItsPlaceAndWhatSurroundsItIsRead) {
        "offset " + std::to_string(head.size() + three.size()) + ": 30 bytes passed over up to the next record\n"},
   };
   for (const auto& [what, records, messages, expected] : cases) {
-    const support::ReadRecords all = read({write("a.7.kyinstall.v2.bin", head + records)}, true);
+    const support::ReadRecords all = read({folder_.write("a.7.kyinstall.v2.bin", head + records)}, true);
     EXPECT_EQ(summary(all), messages) << what;
     EXPECT_EQ(told(all), expected) << what;
   }
@@ -173,11 +166,11 @@ TEST_F(LogReader, DamageIsToldWithItsPlaceAndWhatSurroundsItIsRead) {
 
 TEST_F(LogReader, ADamagedKeyHeaderBorrowsTheKeyOfAnotherFileOfItsRun) {
   const std::string whole = maker_.header() + start("08:00:00:000", 1) + maker_.record("08:00:01:000", L"one");
-  const std::string sibling = write("a.7.2.v2.bin", maker_.header() + start("08:00:00:000", 2));
+  const std::string sibling = folder_.write("a.7.2.v2.bin", maker_.header() + start("08:00:00:000", 2));
   for (const std::size_t at : {0U, 3U, 4U, 70U, 131U}) {
     std::string bytes = whole;
     bytes[at] ^= 1;
-    const std::string path = write("a.7.1.v2.bin", bytes);
+    const std::string path = folder_.write("a.7.1.v2.bin", bytes);
     // The sibling need not be asked for.
     for (const std::vector<std::string>& paths : {std::vector<std::string>{path}, {path, sibling}}) {
       const support::ReadRecords all = read(paths);
@@ -190,14 +183,15 @@ TEST_F(LogReader, ADamagedKeyHeaderBorrowsTheKeyOfAnotherFileOfItsRun) {
   EXPECT_EQ(told(read({folder_ / "a.7.1.v2.bin"})),
             "offset 0: the private key does not open it: it is another log's, or the key header is damaged, and no "
             "other file of the run is there to tell\n");
-  EXPECT_EQ(told(read({write("a.7.1.v2.bin", whole.substr(0, 131))})),
+  EXPECT_EQ(told(read({folder_.write("a.7.1.v2.bin", whole.substr(0, 131))})),
             "offset 0: cut short: the file ends inside its key header\n");
-  EXPECT_EQ(told(read({write("a.7.1.v2.bin", "")})), "offset 0: cut short: the file ends inside its key header\n");
+  EXPECT_EQ(told(read({folder_.write("a.7.1.v2.bin", "")})),
+            "offset 0: cut short: the file ends inside its key header\n");
 }
 
 TEST_F(LogReader, AWrongKeyIsToldApartFromDamage) {
   const std::string bytes = maker_.header() + start("08:00:00:000", 1) + maker_.record("08:00:01:000", L"one");
-  const std::vector<std::string> paths = {write("a.7.1.v2.bin", bytes), write("a.7.2.v2.bin", bytes)};
+  const std::vector<std::string> paths = {folder_.write("a.7.1.v2.bin", bytes), folder_.write("a.7.2.v2.bin", bytes)};
   ports::RsaPair other;
   workbench::DeskEngines desk;
   ASSERT_TRUE(desk.engines().key_maker().rsa_pair(1024, other));
@@ -213,7 +207,7 @@ TEST_F(LogReader, AWrongKeyIsToldApartFromDamage) {
 
   // A key of 24 bytes is one of either algorithm.
   support::LogMaker triple(L"3DES", 24);
-  const std::string path = write(
+  const std::string path = folder_.write(
       "b.7.1.v2.bin", triple.header() + triple.first_record("08:00:00:000", 1) + triple.record("08:00:01:000", L"one"));
   settings_.keys = &triple.keys();
   EXPECT_EQ(summary(read({path})), "1 one|");
@@ -231,18 +225,18 @@ TEST_F(LogReader, AWrongKeyIsToldApartFromDamage) {
 TEST_F(LogReader, AThreadInAMergedFileAndInItsOwnIsReadOnce) {
   const std::string one = start("08:00:00:000", 1) + maker_.record("08:00:01:000", L"one");
   const std::string two = start("08:00:00:000", 2) + maker_.record("08:00:01:000", L"two");
-  const std::string merged = write("a.tag7.kyinstall.v2.bin", maker_.header() + one + two);
-  const std::string own = write("a.7.1.v2.bin", maker_.header() + one);
-  write("a.8.1.v2.bin", maker_.header() + one);
-  write("b.7.1.v2.bin", maker_.header() + one);
-  write("a.7.3.v2.bin", maker_.header() + start("08:00:00:000", 3) + maker_.record("08:00:01:000", L"three"));
+  const std::string merged = folder_.write("a.tag7.kyinstall.v2.bin", maker_.header() + one + two);
+  const std::string own = folder_.write("a.7.1.v2.bin", maker_.header() + one);
+  folder_.write("a.8.1.v2.bin", maker_.header() + one);
+  folder_.write("b.7.1.v2.bin", maker_.header() + one);
+  folder_.write("a.7.3.v2.bin", maker_.header() + start("08:00:00:000", 3) + maker_.record("08:00:01:000", L"three"));
   const std::vector<std::string> run = files_of_run(merged);
   EXPECT_EQ(run.size(), 3U);
   support::ReadRecords all = read(run);
   EXPECT_EQ(summary(all), "1 one|2 two|3 three|");
   EXPECT_EQ(told(all), "its records are read from the merged file\n");
   // A longer one was cut while it was merged.
-  write("a.7.1.v2.bin", maker_.header() + one + maker_.record("08:00:02:000", L"more") + maker_.header());
+  folder_.write("a.7.1.v2.bin", maker_.header() + one + maker_.record("08:00:02:000", L"more") + maker_.header());
   EXPECT_EQ(summary(read(files_of_run(own))), "1 one|2 two|3 three|1 more|");
   EXPECT_EQ(files_of_folder(folder_.path()).size(), 5U);
   EXPECT_EQ(files_of_run("no/such.file"), std::vector<std::string>{"no/such.file"});

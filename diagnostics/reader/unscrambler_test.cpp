@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 #include "diagnostics/log_format.h"
+#include "diagnostics/log_lines.h"
 #include "installer/utils/base/strings/utf8.h"
 
 namespace {
@@ -11,19 +14,13 @@ using diagnostics::reader::Unscrambler;
 
 constexpr std::string_view key = diagnostics::log_format::fall_back_key;
 
-/// What the writer makes of a message, with what its text stream replaces.
-std::string scrambled(std::wstring text) {
-  std::size_t index = 0;
-  for (wchar_t& unit : text) {
-    unsigned bytes[2] = {static_cast<unsigned>(unit) & 0xFF, static_cast<unsigned>(unit) >> 8};
-    for (unsigned& byte : bytes) {
-      if (byte == 0) continue;
-      const unsigned turned = byte ^ static_cast<unsigned char>(key[index++ % key.size()]);
-      if (turned != 0x0A && turned != 0) byte = turned;
-    }
-    unit = static_cast<wchar_t>(bytes[0] | bytes[1] << 8);
-  }
-  return base::strings::to_utf8(text);
+/// What the writer makes of a message.
+std::string scrambled(const std::wstring& text) {
+  diagnostics::Scratch<std::uint8_t> scratch;
+  const diagnostics::TimeStamp stamp{};
+  const std::vector<std::uint8_t> bytes_of_key(key.begin(), key.end());
+  const auto line = diagnostics::scrambled_line(stamp, text + L'\n', bytes_of_key, scratch);
+  return {line.begin() + stamp.size(), line.end() - std::ssize(diagnostics::log_format::line_end)};
 }
 
 std::wstring turned_back(const std::string& utf8) {

@@ -8,8 +8,6 @@
 #include <vector>
 
 #include "ky/decrypter.h"
-#include "platform/machine/machine.h"
-#include "platform/ports/build.h"
 #include "platform/ports/cng.h"
 #include "platform/ports/environment.h"
 #include "platform/ports/files.h"
@@ -18,15 +16,15 @@
 #include "platform/ports/text.h"
 #include "platform/ports/threads.h"
 #include "platform/ports/xml.h"
+#include "tests/support/bare_machine.h"
 
 namespace faults {
 namespace {
 
 class FaultySystemTest : public ::testing::Test {
  protected:
-  machine::Machine machine;
-  std::unique_ptr<ports::Engines> engines = ports::make_engines(machine.errors());
-  const ports::System world = machine.system(*engines);
+  support::BareMachine desk;
+  const ports::System& world = desk.system;
   FaultySystem faulty{world};
   const ports::System& system = faulty.system();
 };

@@ -34,11 +34,7 @@ class LogStreamsTest : public testing::Test {
     on.log_streams().write(stream, {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
     EXPECT_TRUE(on.log_streams().flush(stream));
   }
-  [[nodiscard]] std::string on_desk(const char* name) const {
-    std::string bytes;
-    EXPECT_EQ(desk::read_file(folder_ / name, 1000, bytes), "");
-    return bytes;
-  }
+  [[nodiscard]] std::string on_desk(const char* name) const { return support::text_of(folder_ / name); }
 
   support::TemporaryFolder folder_;
 };

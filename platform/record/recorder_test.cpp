@@ -6,10 +6,8 @@
 #include <string>
 
 #include "platform/machine/file_lookup.h"
-#include "platform/machine/hive_content.h"
 #include "platform/machine/machine.h"
 #include "platform/machine/path.h"
-#include "platform/ports/build.h"
 #include "platform/ports/codes.h"
 #include "platform/ports/com.h"
 #include "platform/ports/driver_store.h"
@@ -18,6 +16,8 @@
 #include "platform/ports/registry.h"
 #include "platform/ports/task_scheduler.h"
 #include "platform/ports/threads.h"
+#include "tests/support/bare_machine.h"
+#include "tests/support/user_profiles.h"
 
 namespace record {
 
@@ -45,7 +45,7 @@ constexpr std::uint32_t all_rights =
 class RecorderTest : public ::testing::Test {
  protected:
   RecorderTest() {
-    EXPECT_TRUE(world.files.create_folder(L"C:\\Suite"));
+    desk.folder(L"C:\\Suite");
     write(world, L"C:\\Suite\\one.txt", "12345");
     write(world, L"C:\\Suite\\two.txt", "1");
     const RegistryKey key = create(world, L"Software\\Suite");
@@ -80,9 +80,9 @@ class RecorderTest : public ::testing::Test {
                               ports::open_flag::backup_semantics | ports::open_flag::open_reparse_point);
   }
 
-  machine::Machine machine;
-  std::unique_ptr<ports::Engines> engines = ports::make_engines(machine.errors());
-  const ports::System world = machine.system(*engines);
+  support::BareMachine desk;
+  machine::Machine& machine = desk.machine;
+  const ports::System& world = desk.system;
   std::unique_ptr<Recorder> recorder;
   const ports::System* system = nullptr;
 };
@@ -193,22 +193,9 @@ TEST_F(RecorderTest, KeysOnTheWayAndSetValuesAreChanges) {
 }
 
 TEST_F(RecorderTest, AKeysTreeGoesWithAllThatLinksLeadTo) {
-  world.registry.close(create(world, L"Software\\Suite\\A"));
-  const RegistryKey target = create(world, L"Software\\Elsewhere\\B");
-  world.registry.close(target);
-  RegistryKey link = RegistryKey::null;
-  bool created = false;
-  ASSERT_EQ(
-      world.registry.create(RegistryKey::local_machine, L"Software\\Suite\\Link", ports::registry_option::create_link,
-                            all_rights | ports::registry_access::create_link, link, created),
-      0u);
-  ports::RegistryValue leads_to{ports::RegistryType::link, {}};
-  for (const char unit : std::string("\\REGISTRY\\MACHINE\\Software\\Elsewhere")) {
-    leads_to.bytes.push_back(static_cast<std::uint8_t>(unit));
-    leads_to.bytes.push_back(0);
-  }
-  ASSERT_EQ(world.registry.set(link, L"SymbolicLinkValue", leads_to), 0u);
-  world.registry.close(link);
+  desk.key(RegistryKey::local_machine, L"Software\\Suite\\A");
+  desk.key(RegistryKey::local_machine, L"Software\\Elsewhere\\B");
+  desk.key_link(RegistryKey::local_machine, L"Software\\Suite\\Link", L"\\REGISTRY\\MACHINE\\Software\\Elsewhere");
   EXPECT_EQ(system->registry.remove_tree(RegistryKey::local_machine, L"Software\\Suite"), ports::code::file_not_found);
   std::vector<std::wstring> gone;
   for (const Change& change : recorder->changes()) {
@@ -220,16 +207,9 @@ TEST_F(RecorderTest, AKeysTreeGoesWithAllThatLinksLeadTo) {
 }
 
 TEST_F(RecorderTest, WhatChangesInAMountedHiveIsToldByItsKeys) {
+  write(world, L"C:\\Suite\\u.dat", support::hive_content(L"Kept\\Gone"));
   machine.change([](machine::State& state) {
-    machine::RegistryTree tree;
-    const machine::KeyId root = machine::make_keys(tree, L"HKEY_USERS\\u");
-    for (const wchar_t* key : {L"Gone", L"Kept"}) machine::make_keys(tree, std::wstring(L"HKEY_USERS\\u\\") + key);
     state.enabled_privileges.insert({machine::privilege::restore, machine::privilege::backup});
-    machine::FileNode hive;
-    hive.bytes = machine::hive_bytes(tree, root);
-    hive.size = hive.bytes.size();
-    const machine::NodeId folder = machine::make_folders(state.files, machine::parse_path(L"C:\\Suite", L"C:\\").path);
-    machine::add_node(state.files, folder, L"u.dat", std::move(hive));
   });
   const auto open = [this](const wchar_t* path) {
     RegistryKey key = RegistryKey::null;
@@ -237,7 +217,7 @@ TEST_F(RecorderTest, WhatChangesInAMountedHiveIsToldByItsKeys) {
     return key;
   };
   ASSERT_EQ(system->registry.load_hive(RegistryKey::users, L"u", L"C:\\Suite\\u.dat"), 0u);
-  RegistryKey key = open(L"u\\Gone");
+  RegistryKey key = open(L"u\\Kept\\Gone");
   EXPECT_EQ(system->registry.remove(key), 0u);
   system->registry.close(key);
   key = open(L"u\\Kept");
@@ -249,9 +229,9 @@ TEST_F(RecorderTest, WhatChangesInAMountedHiveIsToldByItsKeys) {
   const Changes changes = recorder->changes();
   ASSERT_EQ(changes.size(), 3u);
   EXPECT_EQ(changes[0].path, L"C:\\Suite\\u.dat");
-  EXPECT_EQ(changes[1], (Change{"registry-key", L"HKEY_USERS\\u\\Gone", L"present", std::nullopt}));
+  EXPECT_EQ(changes[1], (Change{"registry-key", L"HKEY_USERS\\u\\Kept\\Gone", L"present", std::nullopt}));
   EXPECT_EQ(changes[2], (Change{"registry-value", L"HKEY_USERS\\u\\Kept\\New", std::nullopt, L"REG_DWORD 0x00000001"}));
-  EXPECT_EQ(recorder->deletions(), (Deletions{{"registry-key", L"HKEY_USERS\\u\\Gone", 0, true}}));
+  EXPECT_EQ(recorder->deletions(), (Deletions{{"registry-key", L"HKEY_USERS\\u\\Kept\\Gone", 0, true}}));
   EXPECT_EQ(recorder->actions(), (std::vector<Action>{{"hive-mounted", L"HKEY_USERS\\u from C:\\Suite\\u.dat"},
                                                       {"hive-unmounted", L"HKEY_USERS\\u"}}));
 }

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 
+#include "diagnostics/rsa_blob.h"
 #include "platform/ports/script_cipher.h"
 #include "tests/contract/world.h"
 
@@ -94,51 +95,21 @@ TEST_P(CipherAndKeys, FreshKeysDiffer) {
   EXPECT_NE(first, second);
 }
 
-/// The content of the DER element at `at`, which moves behind it.
-Bytes der_content(const Bytes& der, std::size_t& at, std::uint8_t tag) {
-  EXPECT_EQ(der.at(at), tag);
-  std::size_t size = der.at(at + 1);
-  at += 2;
-  if (size >= 0x80) {
-    std::size_t digits = size - 0x80;
-    for (size = 0; digits != 0; --digits) size = (size << 8) | der.at(at++);
-  }
-  at += size;
-  return {der.begin() + static_cast<std::ptrdiff_t>(at - size), der.begin() + static_cast<std::ptrdiff_t>(at)};
-}
-
 TEST_P(CipherAndKeys, AnRsaPairIsOneKeyInTwoForms) {
   ports::RsaPair pair;
   ASSERT_TRUE(system().key_maker.rsa_pair(1024, pair)) << last_error();
-
-  std::size_t at = 0;
-  const Bytes info = der_content(pair.public_key, at, 0x30);
-  EXPECT_EQ(at, pair.public_key.size());
-  at = 0;
-  const Bytes algorithm = der_content(info, at, 0x30);
-  const Bytes bits = der_content(info, at, 0x03);
-  at = 1;
-  const Bytes public_numbers = der_content(bits, at, 0x30);
-  at = 0;
-  const Bytes modulus = der_content(public_numbers, at, 0x02);
-  EXPECT_EQ(modulus.size(), 129U) << "with the leading zero of a positive number";
-  EXPECT_EQ(der_content(public_numbers, at, 0x02), (Bytes{1, 0, 1}));
-
-  at = 0;
-  const Bytes private_info = der_content(pair.private_key, at, 0x30);
-  EXPECT_EQ(at, pair.private_key.size());
-  at = 0;
-  EXPECT_EQ(der_content(private_info, at, 0x02), Bytes{0});
-  EXPECT_EQ(der_content(private_info, at, 0x30), algorithm);
-  const Bytes wrapped = der_content(private_info, at, 0x04);
-  at = 0;
-  const Bytes numbers = der_content(wrapped, at, 0x30);
-  at = 0;
-  EXPECT_EQ(der_content(numbers, at, 0x02), Bytes{0});
-  EXPECT_EQ(der_content(numbers, at, 0x02), modulus);
-  EXPECT_EQ(der_content(numbers, at, 0x02), (Bytes{1, 0, 1}));
-  for (int rest = 0; rest < 6; ++rest) EXPECT_FALSE(der_content(numbers, at, 0x02).empty());
-  EXPECT_EQ(at, numbers.size());
+  const Bytes open = diagnostics::public_key_blob(pair.public_key);
+  const Bytes secret = diagnostics::private_key_blob(pair.private_key);
+  ASSERT_EQ(open.size(), 24U + 3 + 128);
+  ASSERT_EQ(secret.size(), open.size() + 2 * 64);
+  EXPECT_EQ(Bytes(open.begin() + 24, open.begin() + 27), (Bytes{1, 0, 1}));
+  EXPECT_TRUE(std::equal(open.begin() + 24, open.end(), secret.begin() + 24)) << "one exponent and one modulus";
+  // A positive number that would pass for a negative one has a leading zero.
+  const Bytes modulus(pair.public_key.end() - 134, pair.public_key.end() - 5);
+  EXPECT_EQ(modulus.front(), 0U);
+  EXPECT_NE(std::search(pair.private_key.begin(), pair.private_key.end(), modulus.begin(), modulus.end()),
+            pair.private_key.end());
+  EXPECT_GT(pair.private_key.size(), 610U) << "with all of its numbers";
 }
 
 KY_CONTRACT(CipherAndKeys);

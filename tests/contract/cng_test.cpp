@@ -5,9 +5,9 @@
 #include <thread>
 
 #include "diagnostics/rsa_blob.h"
-#include "platform/desk/desk.h"
 #include "platform/ports/script_cipher.h"
 #include "tests/contract/world.h"
+#include "tests/support/development_key.h"
 
 namespace contract {
 
@@ -24,12 +24,6 @@ Bytes counted(std::size_t size) {
   Bytes bytes(size);
   for (std::size_t i = 0; i < size; ++i) bytes[i] = static_cast<std::uint8_t>(i);
   return bytes;
-}
-
-Bytes development_key(const char* name, std::string_view label) {
-  std::string text;
-  EXPECT_EQ(desk::read_file(std::string(KY_SOURCE_FOLDER "/keys/development/") + name, 10'000, text), "");
-  return diagnostics::der_in_pem(text, label);
 }
 
 class Cng : public Contract {
@@ -141,10 +135,8 @@ TEST_P(Cng, WhatCannotBeIsRefused) {
 
 TEST_P(Cng, AKeyIsWrappedForItsHolderAlone) {
   const CngAlgorithm rsa = open(L"RSA");
-  const Bytes open_blob =
-      diagnostics::public_key_blob(development_key("log-public.pem", diagnostics::public_key_label));
-  const Bytes secret_blob =
-      diagnostics::private_key_blob(development_key("log-private.pem", diagnostics::private_key_label));
+  const Bytes open_blob = support::log_public_key();
+  const Bytes secret_blob = support::log_private_key();
   CngKey open_key = CngKey::null, secret_key = CngKey::null, none = CngKey::null;
   ASSERT_EQ(cng().import_public_key(rsa, open_blob, open_key), 0);
   ASSERT_EQ(cng().import_private_key(rsa, secret_blob, secret_key), 0);

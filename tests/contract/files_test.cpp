@@ -40,14 +40,7 @@ class Files : public Contract {
 
   bool close(Handle file) { return system().waits.close(file); }
 
-  void make_file(const std::wstring& name, std::string_view bytes = "bytes") {
-    const Handle file = open(name, access::generic_write, share::none, Disposition::create_always);
-    ASSERT_NE(file, Handle::invalid) << last_error();
-    std::uint32_t written = 0;
-    EXPECT_TRUE(files().write(file, {reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()}, written));
-    EXPECT_EQ(written, bytes.size());
-    EXPECT_TRUE(close(file));
-  }
+  void make_file(const std::wstring& name, std::string_view bytes = "bytes") { Contract::make_file(path(name), bytes); }
 
   void make_folder(const std::wstring& name) { ASSERT_TRUE(files().create_folder(path(name).c_str())) << last_error(); }
 

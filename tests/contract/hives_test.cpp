@@ -92,11 +92,7 @@ TEST_P(Hives, WhatIsNoHiveOrHeldIsNotMounted) {
   EXPECT_EQ(load(held), code::sharing_violation);
   EXPECT_TRUE(system().waits.close(holder));
 
-  const ports::Handle writer =
-      system().files.open(text.c_str(), ports::file_access::generic_write, 0, ports::Disposition::create_new, 0);
-  std::uint32_t written = 0;
-  EXPECT_TRUE(system().files.write(writer, std::vector<std::uint8_t>(64, 'x'), written));
-  EXPECT_TRUE(system().waits.close(writer));
+  make_file(text, std::string(64, 'x'));
   const ports::ErrorCode result = load(text);
   EXPECT_NE(result, 0U);
   expect_but_for_wine("a file that is no hive", result == code::bad_database);

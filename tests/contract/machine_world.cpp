@@ -3,11 +3,11 @@
 #include <span>
 
 #include "platform/machine/file_lookup.h"
-#include "platform/machine/hive_content.h"
 #include "platform/machine/machine.h"
 #include "platform/ports/build.h"
 #include "platform/ports/signatures.h"
 #include "tests/contract/scratch.h"
+#include "tests/support/user_profiles.h"
 
 namespace contract {
 
@@ -59,11 +59,9 @@ class MachineWorld final : public World {
   }
 
   std::wstring hive() override {
-    machine::RegistryTree tree;
-    const machine::KeyId root = machine::add_key(tree, tree.users, L"root");
-    machine::make_keys_below(tree, root, machine::split_path(hive_key));
     std::wstring path = folder() + L"\\hive" + std::to_wstring(++hives_);
-    write_file(path, machine::hive_bytes(tree, root));
+    const std::string content = support::hive_content(hive_key);
+    write_file(path, std::vector<std::uint8_t>(content.begin(), content.end()));
     return path;
   }
 

@@ -59,13 +59,7 @@ TEST_P(Processes, ATerminatedProcessEndsWithTheGivenCode) {
 TEST_P(Processes, ALaunchThatCannotBeSaysWhy) {
   const std::wstring folder = world().folder();
   const std::wstring text = folder + L"\\text.exe";
-  const Handle file =
-      system().files.open(text.c_str(), ports::file_access::generic_write, 0, ports::Disposition::create_new, 0);
-  const std::string content(200, 'x');
-  std::uint32_t written = 0;
-  EXPECT_TRUE(system().files.write(file, {reinterpret_cast<const std::uint8_t*>(content.data()), 200}, written));
-  EXPECT_TRUE(system().waits.close(file));
-
+  make_file(text, std::string(200, 'x'));
   EXPECT_EQ(try_create(L"\"" + folder + L"\\missing.exe\" 1"), code::file_not_found);
   EXPECT_EQ(try_create(L"\"" + text + L"\""), code::bad_exe_format);
   EXPECT_EQ(try_create(world().child(0, 0).command_line(), (folder + L"\\missing").c_str()),

@@ -131,10 +131,7 @@ TEST_P(Signatures, OnlyATrustedLibraryOfTheSameSignerIsLoaded) {
 
 TEST_P(Signatures, WhatIsNoLibraryIsNotLoaded) {
   const std::wstring text = world().folder() + L"\\text.dll";
-  const Handle file = system().files.open(text.c_str(), file_access::generic_write, 0, Disposition::create_new, 0);
-  std::uint32_t written = 0;
-  EXPECT_TRUE(system().files.write(file, std::vector<std::uint8_t>(100, 'x'), written));
-  EXPECT_TRUE(system().waits.close(file));
+  make_file(text, std::string(100, 'x'));
   const std::wstring missing = world().folder() + L"\\missing.dll";
   EXPECT_EQ(system().signatures.verify(text.c_str()), trust::subject_form_unknown);
   EXPECT_EQ(system().signatures.verify(missing.c_str()), static_cast<ports::Result>(code::file_not_found));

@@ -83,6 +83,16 @@ class Contract : public testing::TestWithParam<WorldMaker> {
   /// The code of a call that answered `done`: 0, or the last error.
   [[nodiscard]] ports::ErrorCode code_of(bool done) { return done ? 0 : last_error(); }
 
+  void make_file(const std::wstring& path, std::string_view bytes) {
+    const ports::Handle file =
+        system().files.open(path.c_str(), ports::file_access::generic_write, 0, ports::Disposition::create_always, 0);
+    ASSERT_NE(file, ports::Handle::invalid) << last_error();
+    std::uint32_t written = 0;
+    EXPECT_TRUE(system().files.write(file, std::vector<std::uint8_t>(bytes.begin(), bytes.end()), written));
+    EXPECT_EQ(written, bytes.size());
+    EXPECT_TRUE(system().waits.close(file));
+  }
+
   /// Holds everywhere but under Wine, and fails as soon as it holds there too: then the row of docs/wine.md goes.
   void expect_but_for_wine(const char* row, bool holds) { expect_either(row, holds, world_->wine()); }
   /// The same for what an engine does.

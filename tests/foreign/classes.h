@@ -7,46 +7,50 @@
 
 struct Attribute;
 
+inline constexpr int32_t not_implemented = static_cast<int32_t>(0x80004001);
+
 /// IXMLDOMNamedNodeMap, as far as the library calls it.
 struct NodeMap {
-  virtual int32_t QueryInterface(const void* id, void** out) = 0;
+  virtual int32_t QueryInterface(const void*, void**) { return not_implemented; }
   virtual uint32_t AddRef() = 0;
   virtual uint32_t Release() = 0;
-  virtual int32_t GetTypeInfoCount(uint32_t*) = 0;
-  virtual int32_t GetTypeInfo(uint32_t, uint32_t, void**) = 0;
-  virtual int32_t GetIDsOfNames(const void*, wchar_t**, uint32_t, uint32_t, int32_t*) = 0;
-  virtual int32_t Invoke(int32_t, const void*, uint32_t, uint16_t, void*, void*, void*, uint32_t*) = 0;
+  virtual int32_t GetTypeInfoCount(uint32_t*) { return not_implemented; }
+  virtual int32_t GetTypeInfo(uint32_t, uint32_t, void**) { return not_implemented; }
+  virtual int32_t GetIDsOfNames(const void*, wchar_t**, uint32_t, uint32_t, int32_t*) { return not_implemented; }
+  virtual int32_t Invoke(int32_t, const void*, uint32_t, uint16_t, void*, void*, void*, uint32_t*) {
+    return not_implemented;
+  }
   virtual int32_t getNamedItem(wchar_t* name, Attribute** out) = 0;
 };
 
 /// IXMLDOMNode, up to the text.
 struct Attribute {
-  virtual int32_t QueryInterface(const void* id, void** out) = 0;
+  virtual int32_t QueryInterface(const void*, void**) { return not_implemented; }
   virtual uint32_t AddRef() = 0;
   virtual uint32_t Release() = 0;
-  virtual int32_t Unused3() = 0;
-  virtual int32_t Unused4() = 0;
-  virtual int32_t Unused5() = 0;
-  virtual int32_t Unused6() = 0;
-  virtual int32_t get_nodeName(wchar_t**) = 0;
-  virtual int32_t Unused8() = 0;
-  virtual int32_t Unused9() = 0;
-  virtual int32_t Unused10() = 0;
-  virtual int32_t Unused11() = 0;
-  virtual int32_t Unused12() = 0;
-  virtual int32_t Unused13() = 0;
-  virtual int32_t Unused14() = 0;
-  virtual int32_t Unused15() = 0;
-  virtual int32_t Unused16() = 0;
-  virtual int32_t Unused17() = 0;
-  virtual int32_t Unused18() = 0;
-  virtual int32_t Unused19() = 0;
-  virtual int32_t Unused20() = 0;
-  virtual int32_t Unused21() = 0;
-  virtual int32_t Unused22() = 0;
-  virtual int32_t Unused23() = 0;
-  virtual int32_t Unused24() = 0;
-  virtual int32_t Unused25() = 0;
+  virtual int32_t Unused3() { return not_implemented; }
+  virtual int32_t Unused4() { return not_implemented; }
+  virtual int32_t Unused5() { return not_implemented; }
+  virtual int32_t Unused6() { return not_implemented; }
+  virtual int32_t get_nodeName(wchar_t**) { return not_implemented; }
+  virtual int32_t Unused8() { return not_implemented; }
+  virtual int32_t Unused9() { return not_implemented; }
+  virtual int32_t Unused10() { return not_implemented; }
+  virtual int32_t Unused11() { return not_implemented; }
+  virtual int32_t Unused12() { return not_implemented; }
+  virtual int32_t Unused13() { return not_implemented; }
+  virtual int32_t Unused14() { return not_implemented; }
+  virtual int32_t Unused15() { return not_implemented; }
+  virtual int32_t Unused16() { return not_implemented; }
+  virtual int32_t Unused17() { return not_implemented; }
+  virtual int32_t Unused18() { return not_implemented; }
+  virtual int32_t Unused19() { return not_implemented; }
+  virtual int32_t Unused20() { return not_implemented; }
+  virtual int32_t Unused21() { return not_implemented; }
+  virtual int32_t Unused22() { return not_implemented; }
+  virtual int32_t Unused23() { return not_implemented; }
+  virtual int32_t Unused24() { return not_implemented; }
+  virtual int32_t Unused25() { return not_implemented; }
   virtual int32_t get_text(wchar_t** out) = 0;
 };
 

@@ -10,12 +10,9 @@ inline bool same(const wchar_t* a, const wchar_t* b) {
   return *a == *b;
 }
 
-inline constexpr int32_t not_implemented = static_cast<int32_t>(0x80004001);
-
 class TextAttribute final : public Attribute {
  public:
   TextAttribute(const wchar_t* text, int32_t& alive) : text_(text), alive_(alive) { ++alive_; }
-  int32_t QueryInterface(const void*, void**) override { return not_implemented; }
   uint32_t AddRef() override { return ++references_; }
   uint32_t Release() override {
     const uint32_t left = --references_;
@@ -25,33 +22,10 @@ class TextAttribute final : public Attribute {
     }
     return left;
   }
-  int32_t get_nodeName(wchar_t**) override { return not_implemented; }
   int32_t get_text(wchar_t** out) override {
     *out = SysAllocString(text_);
     return 0;
   }
-  int32_t Unused3() override { return not_implemented; }
-  int32_t Unused4() override { return not_implemented; }
-  int32_t Unused5() override { return not_implemented; }
-  int32_t Unused6() override { return not_implemented; }
-  int32_t Unused8() override { return not_implemented; }
-  int32_t Unused9() override { return not_implemented; }
-  int32_t Unused10() override { return not_implemented; }
-  int32_t Unused11() override { return not_implemented; }
-  int32_t Unused12() override { return not_implemented; }
-  int32_t Unused13() override { return not_implemented; }
-  int32_t Unused14() override { return not_implemented; }
-  int32_t Unused15() override { return not_implemented; }
-  int32_t Unused16() override { return not_implemented; }
-  int32_t Unused17() override { return not_implemented; }
-  int32_t Unused18() override { return not_implemented; }
-  int32_t Unused19() override { return not_implemented; }
-  int32_t Unused20() override { return not_implemented; }
-  int32_t Unused21() override { return not_implemented; }
-  int32_t Unused22() override { return not_implemented; }
-  int32_t Unused23() override { return not_implemented; }
-  int32_t Unused24() override { return not_implemented; }
-  int32_t Unused25() override { return not_implemented; }
 
  private:
   const wchar_t* text_;
@@ -69,15 +43,8 @@ struct Pair {
 class TableMap final : public NodeMap {
  public:
   explicit TableMap(const Pair* pairs) : pairs_(pairs) {}
-  int32_t QueryInterface(const void*, void**) override { return not_implemented; }
   uint32_t AddRef() override { return ++references; }
   uint32_t Release() override { return --references; }
-  int32_t GetTypeInfoCount(uint32_t*) override { return not_implemented; }
-  int32_t GetTypeInfo(uint32_t, uint32_t, void**) override { return not_implemented; }
-  int32_t GetIDsOfNames(const void*, wchar_t**, uint32_t, uint32_t, int32_t*) override { return not_implemented; }
-  int32_t Invoke(int32_t, const void*, uint32_t, uint16_t, void*, void*, void*, uint32_t*) override {
-    return not_implemented;
-  }
   int32_t getNamedItem(wchar_t* name, Attribute** out) override {
     *out = nullptr;
     for (const Pair* pair = pairs_; pair->name != nullptr; ++pair) {

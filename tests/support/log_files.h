@@ -9,24 +9,16 @@
 #include <string>
 #include <vector>
 
-#include "diagnostics/rsa_blob.h"
-#include "platform/desk/desk.h"
 #include "platform/ports/cng.h"
 #include "platform/ports/files.h"
 #include "platform/ports/system.h"
 #include "platform/ports/threads.h"
+#include "tests/support/development_key.h"
 #include "tests/support/thread_body.h"
 
 namespace support {
 
 using Bytes = std::vector<std::uint8_t>;
-
-/// The private half of the key that development builds seal logs with.
-[[nodiscard]] inline Bytes log_private_key() {
-  std::string text;
-  EXPECT_EQ(desk::read_file(KY_SOURCE_FOLDER "/keys/development/log-private.pem", 10'000, text), "");
-  return diagnostics::private_key_blob(diagnostics::der_in_pem(text, diagnostics::private_key_label));
-}
 
 /// A file of the system's, up to so many bytes; empty where there is none.
 [[nodiscard]] inline Bytes read_begin(const ports::System& system, const std::wstring& path, std::size_t most) {

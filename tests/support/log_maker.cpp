@@ -2,8 +2,7 @@
 
 #include <stdexcept>
 
-#include "diagnostics/rsa_blob.h"
-#include "platform/desk/desk.h"
+#include "tests/support/development_key.h"
 
 namespace support {
 
@@ -11,14 +10,6 @@ namespace {
 
 void require(ports::Status status) {
   if (!ports::status_ok(status)) throw std::runtime_error("a log cannot be made");
-}
-
-std::vector<std::uint8_t> key_in(const char* name, std::string_view label) {
-  std::string text;
-  if (!desk::read_file(KY_SOURCE_FOLDER "/keys/development/" + std::string(name), 10'000, text).empty()) {
-    throw std::runtime_error("the development key is missing");
-  }
-  return diagnostics::der_in_pem(text, label);
 }
 
 std::string with_length(std::vector<std::uint8_t> bytes) {
@@ -42,25 +33,20 @@ LogMaker::LogMaker(std::wstring algorithm, std::size_t key_size) : keys_(desk_.e
   ports::CngAlgorithm rsa{};
   ports::CngKey public_key{};
   require(cng().open_algorithm(L"RSA", rsa));
-  const auto der = key_in("log-public.pem", diagnostics::public_key_label);
-  require(cng().import_public_key(rsa, diagnostics::public_key_blob(der), public_key));
+  require(cng().import_public_key(rsa, log_public_key(), public_key));
   std::vector<std::uint8_t> wrapped(128);
   std::vector<std::uint8_t> iv(128);
   require(cng().encrypt(public_key, blob, iv, wrapped, size, ports::cng_padding::pkcs1));
   cng().destroy_key(public_key);
   cng().close_algorithm(rsa);
   header_ = with_length(wrapped);
-  if (!keys_.use_algorithm(algorithm) || !keys_.use_private_key(private_key()))
+  if (!keys_.use_algorithm(algorithm) || !keys_.use_private_key(log_private_key()))
     throw std::runtime_error("the development key is refused");
 }
 
 LogMaker::~LogMaker() {
   cng().destroy_key(key_);
   cng().close_algorithm(algorithm_);
-}
-
-std::vector<std::uint8_t> LogMaker::private_key() {
-  return diagnostics::private_key_blob(key_in("log-private.pem", diagnostics::private_key_label));
 }
 
 std::string LogMaker::record(std::string_view time, std::wstring_view message) {

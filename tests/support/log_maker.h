@@ -32,8 +32,6 @@ class LogMaker {
   [[nodiscard]] const diagnostics::reader::KeyOpener& keys() const { return keys_; }
   [[nodiscard]] ports::Cng& cng() { return desk_.engines().cng(); }
 
-  [[nodiscard]] static std::vector<std::uint8_t> private_key();
-
  private:
   workbench::DeskEngines desk_;
   diagnostics::reader::KeyOpener keys_;

@@ -30,14 +30,13 @@ TEST_F(Ky, FreshKeysCompileAndDecompileAScript) {
   const std::string plain = "<install version=\"1.0\">\n    <commands>\n        <Nop/>\n    </commands>\n</install>\n";
   ASSERT_EQ(run({"keys", "new", folder_.path()}), 0) << err_;
   EXPECT_NE(out_.find(key + '\n'), std::string::npos);
-  ASSERT_EQ(desk::write_file(folder_ / "plain.xml", plain), "");
-  EXPECT_EQ(run({"script", "compile", folder_ / "plain.xml", "-o", folder_ / "s.xml", "--script-key", key}), 0) << err_;
+  EXPECT_EQ(run({"script", "compile", folder_.write("plain.xml", plain), "-o", folder_ / "s.xml", "--script-key", key}),
+            0)
+      << err_;
   EXPECT_EQ(run({"script", "decompile", folder_ / "s.xml", "-o", folder_ / "back.xml", "--script-key", key}), 0)
       << err_;
   EXPECT_EQ(out_ + err_, "");
-  std::string back;
-  EXPECT_EQ(desk::read_file(folder_ / "back.xml", 1000, back), "");
-  EXPECT_EQ(back, plain);
+  EXPECT_EQ(support::text_of(folder_ / "back.xml"), plain);
 
   EXPECT_EQ(run({"script", "decompile", folder_ / "s.xml", "-o", folder_ / "never.xml"}), 1) << "that is another key";
   EXPECT_EQ(err_, (folder_ / "s.xml") + ":1:146: element 1: its name does not decipher with the key\n");
@@ -45,9 +44,8 @@ TEST_F(Ky, FreshKeysCompileAndDecompileAScript) {
 }
 
 TEST_F(Ky, BadInputIsOneLineAndNothingIsWritten) {
-  ASSERT_EQ(desk::write_file(folder_ / "bad.xml", "<install version=\"1.0\"><commands><Nap/></commands></install>"),
-            "");
-  ASSERT_EQ(desk::write_file(folder_ / "bad.key", "-----BEGIN KY SCRIPT KEY-----\n"), "");
+  folder_.write("bad.xml", "<install version=\"1.0\"><commands><Nap/></commands></install>");
+  folder_.write("bad.key", "-----BEGIN KY SCRIPT KEY-----\n");
   const struct {
     std::vector<std::string> arguments;
     std::string refusal;
@@ -72,15 +70,11 @@ TEST_F(Ky, BadInputIsOneLineAndNothingIsWritten) {
 }
 
 TEST_F(Ky, ARefusedRehearsalHasRunAndWrittenNothing) {
-  const std::string machine = folder_ / "m.json";
-  ASSERT_EQ(desk::write_file(machine, R"({"format": "ky-machine", "version": 1})"), "");
-  const std::string script = folder_ / "s.xml";
-  ASSERT_EQ(desk::write_file(script, R"(<install version="1.0"><commands><Jump target="7"/></commands></install>)"),
-            "");
-  const std::string cut = folder_ / "cut.json";
-  ASSERT_EQ(desk::write_file(cut, R"({"format": "ky-machine")"), "");
-  const std::string foreign = folder_ / "foreign.json";
-  ASSERT_EQ(desk::write_file(foreign, R"({"format": "ky-machine", "version": 9})"), "");
+  const std::string machine = folder_.write("m.json", R"({"format": "ky-machine", "version": 1})");
+  const std::string script =
+      folder_.write("s.xml", R"(<install version="1.0"><commands><Jump target="7"/></commands></install>)");
+  const std::string cut = folder_.write("cut.json", R"({"format": "ky-machine")");
+  const std::string foreign = folder_.write("foreign.json", R"({"format": "ky-machine", "version": 9})");
   const struct {
     std::vector<std::string> arguments;
     std::string part;  // of the message, behind the file's name

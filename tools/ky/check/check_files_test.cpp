@@ -6,7 +6,6 @@
 #include <sstream>
 
 #include "host/script/script_key.h"
-#include "platform/desk/desk.h"
 #include "tests/support/temporary_folder.h"
 
 namespace {
@@ -20,9 +19,7 @@ class CheckFiles : public testing::Test {
   }
 
   void write(const std::string& name, const std::string& commands) {
-    EXPECT_EQ(desk::write_file(folder_ / name.c_str(),
-                               "<install version=\"1.0\"><commands>" + commands + "</commands></install>"),
-              "");
+    folder_.write(name, "<install version=\"1.0\"><commands>" + commands + "</commands></install>");
   }
 
   int run(const std::vector<std::string>& names, bool json = false, bool rules = false) {

@@ -2,6 +2,7 @@
 
 #include "host/script/script_key.h"
 #include "platform/desk/desk.h"
+#include "tests/support/refusal_of.h"
 #include "tests/support/temporary_folder.h"
 #include "tools/ky/graph/dot_text.h"
 #include "tools/ky/graph/graph_files.h"
@@ -125,18 +126,10 @@ TEST(Graph, TextIsCutBetweenCharacters) {
 class GraphFile : public testing::Test {
  protected:
   std::string refusal_of(const std::string& out, const std::string& program = "dot") {
-    try {
-      graph::graph_file(in_, host::built_in_script_key(), out, program);
-    } catch (const workbench::BadInput& refused) {
-      EXPECT_FALSE(desk::exists(out));
-      return refused.what();
-    }
-    return {};
-  }
-  [[nodiscard]] static std::string content_of(const std::string& file) {
-    std::string bytes;
-    EXPECT_EQ(desk::read_file(file, 1 << 20, bytes), "");
-    return bytes;
+    std::string refusal =
+        support::refusal_of([&] { graph::graph_file(in_, host::built_in_script_key(), out, program); });
+    EXPECT_FALSE(desk::exists(out));
+    return refusal;
   }
 
   support::TemporaryFolder folder_;
@@ -158,8 +151,8 @@ TEST_F(GraphFile, OfAnEncipheredScriptShowsTheSameFlow) {
   graph::graph_file(in_, host::built_in_script_key(), folder_ / "plain.dot");
   in_ = compiled;
   graph::graph_file(in_, host::built_in_script_key(), folder_ / "deciphered.dot");
-  const std::string plain = content_of(folder_ / "plain.dot");
-  const std::string deciphered = content_of(folder_ / "deciphered.dot");
+  const std::string plain = support::text_of(folder_ / "plain.dot");
+  const std::string deciphered = support::text_of(folder_ / "deciphered.dot");
   EXPECT_NE(plain.find(">#indexes<"), std::string::npos);
   EXPECT_NE(deciphered.find(">#n100<"), std::string::npos) << "ids are lost";
   for (const std::string& text : {plain, deciphered}) EXPECT_NE(text.find("Text = &quot;TAVRINE"), std::string::npos);
@@ -168,7 +161,7 @@ TEST_F(GraphFile, OfAnEncipheredScriptShowsTheSameFlow) {
 TEST_F(GraphFile, OfTheEditionIsTheOneInTheDocuments) {
   in_ = KY_SOURCE_FOLDER "/resources/script.xml";
   graph::graph_file(in_, host::built_in_script_key(), folder_ / "now.dot");
-  EXPECT_TRUE(content_of(folder_ / "now.dot") == content_of(KY_SOURCE_FOLDER "/docs/edition-flow.dot"))
+  EXPECT_TRUE(support::text_of(folder_ / "now.dot") == support::text_of(KY_SOURCE_FOLDER "/docs/edition-flow.dot"))
       << "./dev reference draws it anew";
 }
 

@@ -4,7 +4,6 @@
 #include <set>
 #include <sstream>
 
-#include "platform/desk/desk.h"
 #include "tests/support/temporary_folder.h"
 #include "tools/ky/ky.h"
 
@@ -43,10 +42,10 @@ TEST(Picture, IsWellFormedAndShowsEveryValueAsItIs) {
   script += "<Jump condition=\"T\" strValue=\"&lt;\\N&amp;lt;&gt;\" target=\"#end\"/></commands></install>";
 
   support::TemporaryFolder folder;
-  ASSERT_EQ(desk::write_file(folder / "s & 1.xml", script), "");
   std::ostringstream out;
   std::ostringstream err;
-  ASSERT_EQ(workbench::run_ky({"script", "graph", folder / "s & 1.xml", "-o", folder / "s.svg"}, out, err), 0)
+  ASSERT_EQ(workbench::run_ky({"script", "graph", folder.write("s & 1.xml", script), "-o", folder / "s.svg"}, out, err),
+            0)
       << err.str();
   pugi::xml_document picture;
   const pugi::xml_parse_result parsed =

@@ -7,8 +7,8 @@
 
 #include "host/script/script_key.h"
 #include "platform/desk/desk.h"
+#include "tests/support/refusal_of.h"
 #include "tests/support/temporary_folder.h"
-#include "tools/ky/bad_input.h"
 
 namespace {
 
@@ -30,18 +30,9 @@ class KnownKeys final : public ports::KeyMaker {
 
 class NewKeys : public testing::Test {
  protected:
-  [[nodiscard]] std::string text_of(const char* name) const {
-    std::string text;
-    EXPECT_EQ(desk::read_file(desk::join(folder_, name), 10000, text), "");
-    return text;
-  }
+  [[nodiscard]] std::string text_of(const char* name) const { return support::text_of(desk::join(folder_, name)); }
   [[nodiscard]] std::string refusal() {
-    try {
-      (void)keys::make_new_keys(folder_, key_maker_);
-      return "none";
-    } catch (const workbench::BadInput& error) {
-      return error.what();
-    }
+    return support::refusal_of([this] { return keys::make_new_keys(folder_, key_maker_); });
   }
 
   support::TemporaryFolder around_;

@@ -40,14 +40,9 @@ class LogPage : public testing::Test {
     std::ostringstream err;
     const int code = log_tool::log_read(options, out, err);
     EXPECT_EQ(out.str(), "");
-    EXPECT_EQ(desk::read_file(page_path_, 10'000'000, page_), "");
+    page_ = support::text_of(page_path_);
     return code;
   }
-  std::string write(const char* name, const std::string& bytes) {
-    EXPECT_EQ(desk::write_file(folder_ / name, bytes), "");
-    return folder_ / name;
-  }
-
   support::LogMaker maker_;
   support::TemporaryFolder folder_;
   const std::string page_path_ = folder_ / "page.html";
@@ -55,13 +50,13 @@ class LogPage : public testing::Test {
 };
 
 TEST_F(LogPage, NoMessageLeavesItsElementAndNothingComesFromOutside) {
-  const std::string log =
-      write("s.7.1.v2.bin",
-            maker_.header() +
-                maker_.record("08:00:00:000", L"=========== Started logging for thread 1 (</script>) on 14.11.2025 =") +
-                maker_.record("08:00:00:001", L"</script><script>alert(1)</script><!--<script>]]>&lt;\n") +
-                maker_.record("08:00:00:002", L"\"\\\t\x2028\x2029 \xD83D\xDE00\x1B\r\n") +
-                maker_.record("08:00:00:003", L"@MODEL@\n@VIEWER@\nhttps://example.test/\n"));
+  const std::string log = folder_.write(
+      "s.7.1.v2.bin",
+      maker_.header() +
+          maker_.record("08:00:00:000", L"=========== Started logging for thread 1 (</script>) on 14.11.2025 =") +
+          maker_.record("08:00:00:001", L"</script><script>alert(1)</script><!--<script>]]>&lt;\n") +
+          maker_.record("08:00:00:002", L"\"\\\t\x2028\x2029 \xD83D\xDE00\x1B\r\n") +
+          maker_.record("08:00:00:003", L"@MODEL@\n@VIEWER@\nhttps://example.test/\n"));
   ASSERT_EQ(write_page(log), 0);
   const std::string_view data = data_of(page_);
   EXPECT_EQ(data.find_first_of("<>&"), std::string_view::npos);
@@ -89,11 +84,11 @@ TEST_F(LogPage, NoMessageLeavesItsElementAndNothingComesFromOutside) {
 TEST_F(LogPage, TheDataTellsThreadsTimesSpansFindingsAndDamage) {
   std::string damaged = maker_.record("08:00:02:000", L"lost\n");
   damaged[damaged.size() - 1] = static_cast<char>(damaged[damaged.size() - 1] ^ 1);
-  write("s.7.4.v2.bin", maker_.header() + maker_.first_record("23:59:59:000", 4) +
-                            maker_.record("23:59:59:500", L"5: DeleteRegKey Begin execute.\n") +
-                            maker_.record("00:00:00:250", L"5: DeleteRegKey 'a' result 5.\n") + damaged +
-                            maker_.record("00:00:00:250", L"5: DeleteRegKey End execute. Next command 6.\n"));
-  write("s.7.9.v2.bin", maker_.header() + maker_.first_record("23:59:59:700", 9));
+  folder_.write("s.7.4.v2.bin", maker_.header() + maker_.first_record("23:59:59:000", 4) +
+                                    maker_.record("23:59:59:500", L"5: DeleteRegKey Begin execute.\n") +
+                                    maker_.record("00:00:00:250", L"5: DeleteRegKey 'a' result 5.\n") + damaged +
+                                    maker_.record("00:00:00:250", L"5: DeleteRegKey End execute. Next command 6.\n"));
+  folder_.write("s.7.9.v2.bin", maker_.header() + maker_.first_record("23:59:59:700", 9));
   EXPECT_EQ(write_page(folder_.path()), 1);
   const picojson::value run = run_of(page_);
   const auto text = [&](const char* name) { return run.get(name).serialize(); };
@@ -109,9 +104,9 @@ TEST_F(LogPage, TheDataTellsThreadsTimesSpansFindingsAndDamage) {
 }
 
 TEST_F(LogPage, WithoutADateTimesGoOnOverMidnight) {
-  EXPECT_EQ(write_page(write("s.7.1.v2.bin", maker_.header() + maker_.record("23:59:59:000", L"a\n") +
-                                                 maker_.record("23:59:58:000", L"set back\n") +
-                                                 maker_.record("00:00:01:000", L"b\n"))),
+  EXPECT_EQ(write_page(folder_.write("s.7.1.v2.bin", maker_.header() + maker_.record("23:59:59:000", L"a\n") +
+                                                         maker_.record("23:59:58:000", L"set back\n") +
+                                                         maker_.record("00:00:01:000", L"b\n"))),
             0);
   const picojson::value run = run_of(page_);
   EXPECT_EQ(run.get("dated").serialize() + run.get("time").serialize(), "false[86399000,-1000,3000]");
@@ -136,7 +131,7 @@ TEST_F(LogPage, BeyondItsLimitsThePageHoldsTheNewestRecordsAndSaysSo) {
 }
 
 TEST_F(LogPage, ItIsWrittenWholeOrNotAtAllAndNeverOverALog) {
-  const std::string log = write("s.7.1.v2.bin", maker_.header() + maker_.first_record("08:00:00:000", 1));
+  const std::string log = folder_.write("s.7.1.v2.bin", maker_.header() + maker_.first_record("08:00:00:000", 1));
   for (const std::string& out : {log, folder_ / "s.8.1.bin", folder_ / "absent/page.html"}) {
     workbench::LogReadOptions options{{log}, KY_SOURCE_FOLDER "/keys/development/log-private.pem"};
     options.html = out;

@@ -4,13 +4,15 @@
 
 #include <string>
 
-#include "platform/desk/desk.h"
+#include "tests/support/refusal_of.h"
 #include "tools/ky/desk_engines.h"
 #include "tools/ky/script/decompiler.h"
 #include "tools/ky/script/resolved_script.h"
 #include "tools/ky/script/script_files.h"
 
 namespace {
+
+using support::refusal_of;
 
 std::string around(const std::string& commands) {
   return "<install version=\"1.0\"><commands>\n" + commands + "</commands></install>";
@@ -27,16 +29,6 @@ std::string all_of(const script::PlainScript& script, std::string_view attribute
     if (const auto* found = element.find(attribute); found != nullptr) words += found->value + ' ';
   }
   return words;
-}
-
-template <class Work>
-std::string refusal_of(Work work) {
-  try {
-    (void)work();
-    return "none";
-  } catch (const script::ScriptError& error) {
-    return error.what();
-  }
 }
 
 TEST(Compiler, IdsBecomeTheIndexesThatTheLoaderCounts) {

@@ -5,15 +5,12 @@
 #include <string>
 #include <string_view>
 
+#include "tests/support/refusal_of.h"
+
 namespace {
 
 std::string refusal_of(std::string_view text) {
-  try {
-    (void)script::read_plain_script("s.xml", text);
-    return "none";
-  } catch (const script::ScriptError& error) {
-    return error.what();
-  }
+  return support::refusal_of([text] { return script::read_plain_script("s.xml", text); });
 }
 
 std::string around(std::string_view commands) {

@@ -5,9 +5,9 @@
 #include <functional>
 
 #include "platform/faults/faulty_system.h"
-#include "platform/machine/machine.h"
-#include "platform/ports/build.h"
 #include "platform/ports/system.h"
+#include "tests/support/bare_machine.h"
+#include "tests/support/refusal_of.h"
 
 namespace base::xml {
 namespace {
@@ -17,10 +17,8 @@ class XmlReader : public ::testing::Test {
   XmlReader() { ports::bind(faulty.system()); }
   ~XmlReader() override { ports::unbind(); }
 
-  machine::Machine world;
-  std::unique_ptr<ports::Engines> engines = ports::make_engines(world.errors());
-  const ports::System system = world.system(*engines);
-  faults::FaultySystem faulty{system};
+  support::BareMachine desk;
+  faults::FaultySystem faulty{desk.system};
 };
 
 TEST_F(XmlReader, RaisesOrTellsTheSameCode) {
@@ -71,25 +69,17 @@ TEST_F(XmlReader, RaisesOrTellsTheSameCode) {
 }
 
 TEST_F(XmlReader, LeavesComInWhateverWayItEnds) {
-  const auto failure_of = [](auto make) -> std::string {
-    try {
-      make();
-      return "none";
-    } catch (const std::system_error& error) {
-      return error.what();
-    }
-  };
   const auto make_text = [](const wchar_t* text) { return [text] { xml_reader<true>{text}; }; };
-  EXPECT_EQ(failure_of(make_text(L"<r/>")), "none");
-  EXPECT_NE(failure_of(make_text(L"<r>")).find("::load xml has failed!"), std::string::npos);
-  EXPECT_NE(failure_of([] { xml_reader<false>{L"C:\\missing.xml"}; }).find("::load xml has failed!"),
+  EXPECT_EQ(support::refusal_of(make_text(L"<r/>")), "none");
+  EXPECT_NE(support::refusal_of(make_text(L"<r>")).find("::load xml has failed!"), std::string::npos);
+  EXPECT_NE(support::refusal_of([] { xml_reader<false>{L"C:\\missing.xml"}; }).find("::load xml has failed!"),
             std::string::npos);
   faulty.fail(faults::Operation::xml_create_document, 1, true,
               static_cast<ports::ErrorCode>(ports::code::class_not_registered));
-  EXPECT_NE(failure_of(make_text(L"<r/>")).find("::CreateInstance has failed!"), std::string::npos);
+  EXPECT_NE(support::refusal_of(make_text(L"<r/>")).find("::CreateInstance has failed!"), std::string::npos);
   // The first entrance of a thread is told apart from further ones.
-  EXPECT_EQ(system.com.initialize(ports::ComModel::apartment_threaded), ports::code::ok);
-  system.com.uninitialize();
+  EXPECT_EQ(desk.system.com.initialize(ports::ComModel::apartment_threaded), ports::code::ok);
+  desk.system.com.uninitialize();
 }
 
 }  // namespace
