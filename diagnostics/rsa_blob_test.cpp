@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <string>
 
 #include "diagnostics/log_public_key.h"
 #include "tests/support/development_key.h"

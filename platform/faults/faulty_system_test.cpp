@@ -3,9 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <memory>
 #include <string>
-#include <vector>
 
 #include "ky/decrypter.h"
 #include "platform/ports/cng.h"

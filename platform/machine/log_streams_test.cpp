@@ -8,7 +8,6 @@
 
 #include "platform/desk/desk.h"
 #include "platform/machine/machine.h"
-#include "platform/ports/codes.h"
 #include "tests/support/named_world.h"
 #include "tests/support/temporary_folder.h"
 

@@ -5,20 +5,20 @@
 #include <iostream>
 #include <iterator>
 #include <limits>
-#include <memory>
+#include <numeric>
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "installer/desktop/commands/base/global_data.h"
 #include "installer/desktop/commands/data/expressionparser.h"
 #include "installer/utils/base/expressions/syntax_check.h"
 #include "installer/utils/base/strings/format.h"
-#include "ky/logger_api.h"
-#include "platform/machine/machine.h"
-#include "platform/ports/build.h"
 #include "platform/ports/termination.h"
 #include "tests/fuzz/reference_expression.h"
+#include "tests/support/bare_machine.h"
+#include "tests/support/kept_log.h"
 
 namespace {
 
@@ -32,19 +32,6 @@ class ThrownStop final : public ports::Termination {
   void step() override {}
 };
 
-class KeptLog final : public ky::Destroyable<KeptLog, ky::ILoggerApi> {
- public:
-  void WriteFormatted(const wchar_t* format, std::va_list arguments) override {
-    WriteLine(base::strings::format_v(format, arguments).c_str());
-  }
-  void WriteLine(const wchar_t* line) override { text += line; }
-  void StartThreadLog(const wchar_t*, bool) override {}
-  void SetXorKey(const char*) override {}
-  void SetMergedNameTag(const wchar_t*) override {}
-
-  std::wstring text;
-};
-
 /// What the parser reaches: a store of nothing but variables and a log.
 struct World {
   World() {
@@ -55,14 +42,11 @@ struct World {
   static void put(const char* key, std::uint64_t value);
 
   Variables variables;
-  KeptLog log;
+  std::vector<std::wstring> lines;
+  support::KeptLog log{lines};
   ThrownStop termination;
-  machine::Machine machine;
-  std::unique_ptr<ports::Engines> engines = ports::make_engines(machine.errors());
-  ports::System bare = machine.system(*engines);
-  ports::System system{bare.errors,    bare.clock,   bare.threads,   bare.waits,       bare.files,     bare.registry,
-                       bare.processes, bare.modules, bare.resources, bare.environment, termination,    bare.text,
-                       bare.winapi,    bare.cipher,  bare.key_maker, bare.xml,         bare.own_module};
+  support::BareMachine desk;
+  ports::System system = ports::with(desk.system, termination);
 };
 
 World& world() {
@@ -108,13 +92,13 @@ bool same(double a, double b) {
 
 Outcome evaluate(const std::string& text, std::wstring& log) {
   Outcome outcome;
-  world().log.text.clear();
+  world().lines.clear();
   try {
     outcome.value = ky::CExpressionParser(text.c_str()).Evaluate();
   } catch (const ports::StopReason& reason) {
     outcome.stop = reason.text;
   }
-  log = world().log.text;
+  log = std::accumulate(world().lines.begin(), world().lines.end(), std::wstring());
   outcome.variables = world().variables;
   return outcome;
 }

@@ -2,7 +2,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <string>
-#include <string_view>
 
 #include "tools/ky/desk_engines.h"
 #include "tools/ky/script/compiler.h"

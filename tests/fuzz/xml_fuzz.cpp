@@ -2,15 +2,13 @@
 // document. The same document as text must be taken or refused alike.
 #include <cstdint>
 #include <cstdlib>
-#include <memory>
 #include <string>
 #include <string_view>
 
 #include "installer/utils/base/strings/utf8.h"
-#include "platform/machine/machine.h"
-#include "platform/ports/build.h"
 #include "platform/ports/codes.h"
 #include "platform/ports/xml_owner.h"
+#include "tests/support/bare_machine.h"
 
 namespace {
 
@@ -34,9 +32,8 @@ void read_all(ports::Xml& xml, ports::XmlNode* document, const std::wstring& xpa
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static machine::Machine world;
-  static const std::unique_ptr<ports::Engines> engines = ports::make_engines(world.errors());
-  ports::Xml& xml = engines->xml();
+  static const support::BareMachine desk;
+  ports::Xml& xml = desk.system.xml;
   const std::string_view input(reinterpret_cast<const char*>(data), size);
   const std::size_t end = input.find('\0');
   if (end == std::string_view::npos) return 0;

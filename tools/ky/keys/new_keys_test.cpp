@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 
 #include "host/script/script_key.h"
 #include "platform/desk/desk.h"

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "installer/extern/base/include/winapi/win_error_category.h"
-#include "installer/utils/base/process/process_snapshot.h"
 #include "tests/support/bound_world.h"
 #include "tests/support/fake_inspection.h"
 
