@@ -247,6 +247,12 @@ TEST_P(Registry, ALinkIsFollowedUnlessItIsOpenedItself) {
   EXPECT_EQ(registry().close(make(L"target\\below")), 0U);
   make_link(L"link", L"target");
   EXPECT_EQ(try_open(L"link\\below"), 0U);
+  RegistryKey target = RegistryKey::null;
+  std::wstring name;
+  ASSERT_EQ(registry().open(root(), L"link", 0, access::read, target), 0U);
+  EXPECT_EQ(registry().subkey(target, 0, name), 0U);
+  EXPECT_EQ(name, L"below");
+  EXPECT_EQ(registry().close(target), 0U);
 
   RegistryKey itself = RegistryKey::null;
   ASSERT_EQ(registry().open(root(), L"link", option::open_link, full, itself), 0U);
