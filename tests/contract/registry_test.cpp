@@ -154,13 +154,13 @@ TEST_P(Registry, AKeyTellsHowMuchIsInItAndHowLongNamesAre) {
 }
 
 TEST_P(Registry, ATextIsExpandedEndedAndMeasuredInBytes) {
-  ASSERT_EQ(registry().set(root(), L"plain", {RegistryType::text, stored(L"%x%")}), 0U);
+  ASSERT_EQ(registry().set(root(), L"plain", {RegistryType::text, stored(L"%windir%")}), 0U);
   ASSERT_EQ(registry().set(root(), L"open", {RegistryType::text, stored(L"abc", false)}), 0U);
   ASSERT_EQ(registry().set(root(), L"", {RegistryType::expandable, stored(L"%SystemDrive%\\x")}), 0U);
   const struct {
     const wchar_t* name;
     std::wstring text;
-  } rows[] = {{L"plain", L"%x%"}, {L"open", L"abc"}, {L"", L"C:\\x"}};
+  } rows[] = {{L"plain", L"%windir%"}, {L"open", L"abc"}, {L"", L"C:\\x"}};
   const std::wstring key = world().key();
   for (const auto& row : rows) {
     const auto get = [&](std::span<wchar_t> into, std::uint32_t& size) {
