@@ -264,20 +264,6 @@ TEST_F(Logger, WithoutAFolderRecordsAreLostAndNothingElse) {
   EXPECT_FALSE(system.files.exists(L"C:\\ProgramData"));
 }
 
-TEST_F(Logger, WhatTheProviderRefusesIsToldAndLeavesNothing) {
-  const struct {
-    const wchar_t* algorithm;
-    std::int32_t bits;
-    bool taken;
-  } rows[] = {{L"AES", 128, true},   {L"AES", 256, true},  {L"AES", 263, true},
-              {L"AES", 100, false},  {L"AES", 7, false},   {L"AES", -8, false},
-              {L"none", 128, false}, {L"RSA", 128, false}, {L"", 128, false}};
-  for (const auto& row : rows) {
-    make(false);
-    EXPECT_EQ(log->SetupEncryption(row.algorithm, row.bits), row.taken) << row.bits;
-  }
-}
-
 TEST_F(Logger, AFailureAtAnyStepOfSealingIsToldAndLeavesNothing) {
   using faults::Operation;
   const struct {

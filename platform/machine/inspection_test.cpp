@@ -34,8 +34,7 @@ class MachineInspection : public testing::Test {
   MachineInspection() { world.file(app, "MZ").file(other, "MZ").file(L"C:\\App\\dog.exe", "MZ"); }
 
   RunningProgram& add(std::uint32_t id, const wchar_t* image = app) {
-    world.state.processes.push_back(running(id, image));
-    return world.state.processes.back();
+    return world.state.processes.emplace_back(running(id, image));
   }
   void make() {
     machine = world.make();

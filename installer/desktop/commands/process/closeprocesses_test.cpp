@@ -103,87 +103,64 @@ TEST(CloseProcesses, OnlyThoseThatRunTheVeryFileEnd) {
       w.file(equally_long, "MZ");
     };
   };
+  const LayOut plain = nullptr;
+  const Tweak none = nullptr;
   const struct {
     const char* kind;
     Fate fate;
-    const wchar_t* runs = agent;
-    const char* process = "agent.exe";
+    const wchar_t* runs;
+    LayOut lay_out = nullptr;
+    Tweak tweak = nullptr;
     const char* folder = "C:\\Suite\\";
-    LayOut lay_out = [](NamedWorld&) {};
-    Tweak tweak = [](NamedWorld&, RunningProgram&) {};
+    const char* process = "agent.exe";
   } rows[] = {
-      {"the file itself", Fate::closed},
+      {"the file itself", Fate::closed, agent},
       {"the same name in a folder of another length", Fate::stranger, elsewhere},
       {"a copy in a folder of equal length", Fate::stranger, equally_long},
       {"a name that only begins alike", Fate::unseen, L"C:\\Suite\\agent.exe.exe"},
-      {.kind = "a hard link in a folder of equal length, which is the very file by another name",
-       .fate = Fate::closed,
-       .runs = equally_long,
-       .lay_out = hard_link_in(L"C:\\Other")},
-      {.kind = "a hard link in a folder of another length",
-       .fate = Fate::stranger,
-       .runs = L"C:\\Further\\agent.exe",
-       .lay_out = hard_link_in(L"C:\\Further")},
-      {"a folder told by its short name", Fate::stranger, L"C:\\Suite Tools\\agent.exe", "agent.exe", "C:\\SUITET~1\\",
-       [](NamedWorld& w) { w.node(L"C:\\").short_names[L"SUITET~1"] = L"Suite Tools"; }},
-      {"a process that shows a short name", Fate::stranger, L"C:\\Suite\\AGENT~1.EXE", "agent.exe", "C:\\Suite\\",
+      {"a hard link in a folder of equal length, which is the very file by another name", Fate::closed, equally_long,
+       hard_link_in(L"C:\\Other")},
+      {"a hard link in a folder of another length", Fate::stranger, L"C:\\Further\\agent.exe",
+       hard_link_in(L"C:\\Further")},
+      {"a folder told by its short name", Fate::stranger, L"C:\\Suite Tools\\agent.exe",
+       [](NamedWorld& w) { w.node(L"C:\\").short_names[L"SUITET~1"] = L"Suite Tools"; }, none, "C:\\SUITET~1\\"},
+      {"a process that shows a short name", Fate::stranger, L"C:\\Suite\\AGENT~1.EXE",
        [](NamedWorld& w) { w.node(L"C:\\Suite").short_names[L"AGENT~1.EXE"] = L"agent.exe"; }, shown_as_agent},
-      {"a drive that stands for the folder, in the script", Fate::stranger, agent, "agent.exe", "S:\\", substituted},
-      {.kind = "a drive that stands for the folder, at the process",
-       .fate = Fate::stranger,
-       .runs = L"S:\\agent.exe",
-       .lay_out = substituted},
+      {"a drive that stands for the folder, in the script", Fate::stranger, agent, substituted, none, "S:\\"},
+      {"a drive that stands for the folder, at the process", Fate::stranger, L"S:\\agent.exe", substituted},
       {"another case at the process", Fate::closed, L"C:\\SUITE\\AGENT.EXE"},
-      {"another case in the script", Fate::closed, agent, "AGENT.exe", "c:\\SUITE\\"},
-      {.kind = "in a folder that tells case apart, the very name", .fate = Fate::closed, .lay_out = cased},
-      {.kind = "in a folder that tells case apart, a file of another case",
-       .fate = Fate::stranger,
-       .runs = L"C:\\Suite\\AGENT.exe",
-       .lay_out = cased},
-      {"in a folder that tells case apart, a name with capitals", Fate::closed, L"C:\\Suite\\Agent.exe", "Agent.exe",
-       "C:\\Suite\\", cased},
-      {"trailing dots in the script's folder", Fate::stranger, agent, "agent.exe", "C:\\Suite.\\"},
-      {.kind = "a trailing blank at the process",
-       .fate = Fate::stranger,
-       .runs = L"C:\\Suite\\agent.exe ",
-       .tweak = shown_as_agent},
-      {"no backslash behind the folder", Fate::stranger, agent, "agent.exe", "C:\\Suite"},
-      {.kind = "an id that went to another program before the path was read",
-       .fate = Fate::stranger,
-       .tweak = another(GivesWay::after_snapshot)},
-      {.kind = "an id that went to another program after the path was read",
-       .fate = Fate::stranger,
-       .tweak = another(GivesWay::after_image_path)},
-      {.kind = "a path that cannot be read",
-       .fate = Fate::unreadable,
-       .tweak = [](NamedWorld&, RunningProgram& process) { process.temper.image_unreadable = true; }},
-      {.kind = "a path of 32,000 characters",
-       .fate = Fate::stranger,
-       .tweak = [](NamedWorld&,
-                   RunningProgram& process) { process.image = L"C:\\" + std::wstring(31'987, L'x') + L"\\agent.exe"; }},
-      {.kind = "a link in the file's place, for what ran from there before",
-       .fate = Fate::closed,
-       .lay_out = a_link_to(elsewhere)},
-      {.kind = "a link in the file's place, for what it leads to",
-       .fate = Fate::stranger,
-       .runs = elsewhere,
-       .lay_out = a_link_to(elsewhere)},
-      {.kind =
-           "a link in the file's place, for what it leads to by a path of equal length, which the script then names",
-       .fate = Fate::closed,
-       .runs = equally_long,
-       .lay_out = a_link_to(equally_long)},
-      {.kind = "a link in the file's place that leads nowhere",
-       .fate = Fate::stranger,
-       .runs = equally_long,
-       .lay_out = a_link_to(L"C:\\Nowhere\\agent.exe")},
+      {"another case in the script", Fate::closed, agent, plain, none, "c:\\SUITE\\", "AGENT.exe"},
+      {"in a folder that tells case apart, the very name", Fate::closed, agent, cased},
+      {"in a folder that tells case apart, a file of another case", Fate::stranger, L"C:\\Suite\\AGENT.exe", cased},
+      {"in a folder that tells case apart, a name with capitals", Fate::closed, L"C:\\Suite\\Agent.exe", cased, none,
+       "C:\\Suite\\", "Agent.exe"},
+      {"trailing dots in the script's folder", Fate::stranger, agent, plain, none, "C:\\Suite.\\"},
+      {"a trailing blank at the process", Fate::stranger, L"C:\\Suite\\agent.exe ", plain, shown_as_agent},
+      {"no backslash behind the folder", Fate::stranger, agent, plain, none, "C:\\Suite"},
+      {"an id that went to another program before the path was read", Fate::stranger, agent, plain,
+       another(GivesWay::after_snapshot)},
+      {"an id that went to another program after the path was read", Fate::stranger, agent, plain,
+       another(GivesWay::after_image_path)},
+      {"a path that cannot be read", Fate::unreadable, agent, plain,
+       [](NamedWorld&, RunningProgram& process) { process.temper.image_unreadable = true; }},
+      {"a path of 32,000 characters", Fate::stranger, agent, plain,
+       [](NamedWorld&, RunningProgram& process) {
+         process.image = L"C:\\" + std::wstring(31'987, L'x') + L"\\agent.exe";
+       }},
+      {"a link in the file's place, for what ran from there before", Fate::closed, agent, a_link_to(elsewhere)},
+      {"a link in the file's place, for what it leads to", Fate::stranger, elsewhere, a_link_to(elsewhere)},
+      {"a link in the file's place, for what it leads to by a path of equal length, which the script then names",
+       Fate::closed, equally_long, a_link_to(equally_long)},
+      {"a link in the file's place that leads nowhere", Fate::stranger, equally_long,
+       a_link_to(L"C:\\Nowhere\\agent.exe")},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.kind);
     NamedWorld layout;
     layout.file(agent, "MZ").file(elsewhere, "MZ");
-    row.lay_out(layout);
-    row.tweak(layout, layout.process(row.runs));
+    if (row.lay_out) row.lay_out(layout);
+    RunningProgram& process = layout.process(row.runs);
+    if (row.tweak) row.tweak(layout, process);
     Trial run(layout);
     EXPECT_EQ(run.close(one_target(row.process, row.folder)), 0u);
     EXPECT_EQ(run.ended().empty(), row.fate != Fate::closed) << testing::PrintToString(run.lines());
