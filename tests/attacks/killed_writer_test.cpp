@@ -69,11 +69,18 @@ class Counting final : public diagnostics::reader::RecordSink {
   Counting(const Progress& progress, bool sealed) : progress_(progress), sealed_(sealed) {}
 
   void record(const diagnostics::reader::Record& read) override {
-    std::uint32_t& count = counts[read.thread == progress_.lanes[0].thread ? 0 : 1];
+    const std::size_t lane = read.thread == progress_.lanes[0].thread ? 0 : 1;
+    std::uint32_t& count = counts[lane];
     if (count++ == 0) return;  // the one that starts the thread's log
-    std::wstring written = message(count - 2);
+    const std::uint32_t n = count - 2;
+    std::wstring written = message(n);
     if (!sealed_) written.pop_back();
-    EXPECT_EQ(read.message == written, true) << "record " << count;
+    // In the fall-back form nothing tells a line that the kill has cut from a whole one, nor a line's cut beginning
+    // from the end of the record before it.
+    const std::uint32_t returned = progress_.lanes[lane].written;
+    const bool cut = !sealed_ && n >= returned && written.starts_with(read.message);
+    const bool followed = !sealed_ && n + 1 == returned && read.message.starts_with(written);
+    EXPECT_TRUE(read.message == written || cut || followed) << "record " << count << " of " << returned;
   }
   void problem(const diagnostics::reader::Problem& problem) override {
     using diagnostics::reader::ProblemKind;
