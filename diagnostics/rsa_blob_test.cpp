@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-
 #include "diagnostics/log_public_key.h"
 #include "tests/support/development_key.h"
 #include "tests/support/temporary_folder.h"

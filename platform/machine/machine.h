@@ -74,8 +74,8 @@ class Machine {
   /// The machine that a document describes. `file_name` is for messages alone. Throws `DocumentError`.
   [[nodiscard]] static std::unique_ptr<Machine> from_json(std::string_view text, const std::string& file_name,
                                                           Options options = {});
-  /// The document of this machine as it stands; its clock goes on from here. Other processes go on running; what belongs
-  /// to this one, like its open handles, is left out.
+  /// The document of this machine as it stands; its clock goes on from here. Other processes go on running; what
+  /// belongs to this one, like its open handles, is left out.
   [[nodiscard]] std::string to_json();
 
   /// The ports, with the engines of the build. They live as long as the machine and the engines.

@@ -52,7 +52,8 @@ class Waits {
 
   /// WaitForMultipleObjects over 1 to 64 handles: `object_0` plus the lowest signalled position, or for `all` plus 0
   /// when all are; `timeout`; or `failed` with invalid_handle, access_denied (a process opened without
-  /// process_access::synchronize), or invalid_parameter (none, more than 64, doubles with `all`). An event without manual reset is consumed by the wait that it ends.
+  /// process_access::synchronize), or invalid_parameter (none, more than 64, doubles with `all`). An event without
+  /// manual reset is consumed by the wait that it ends.
   [[nodiscard]] virtual std::uint32_t wait(std::span<const Handle> handles, bool all, std::uint32_t milliseconds) = 0;
 
   /// CloseHandle, for every `Handle` but a search's. Fails with invalid_handle.

@@ -9,8 +9,8 @@ namespace record {
 
 /// One thing of the system that differs at the end from what it was at the beginning. `before` and `after` describe it
 /// for people and tools; nothing means that it was not there. Kinds: file, folder, link, registry-key, registry-value,
-/// hive (a mounted one; `path` is its key), task, driver-package (`path` is the INF file's name in the system's folder), delayed-move (booked for the next
-/// start; `path` is what moves).
+/// hive (a mounted one; `path` is its key), task, driver-package (`path` is the INF file's name in the system's
+/// folder), delayed-move (booked for the next start; `path` is what moves).
 struct Change {
   std::string kind;
   std::wstring path;

@@ -6,8 +6,8 @@
 namespace record {
 
 /// A registry whose changes go into the ledger. A hive's mounting and unmounting is an action, and a change
-/// where it is mounted at the end and was not before, or the other way round; what changes below it is told by the keys'
-/// names while it is mounted, and by the content of its file.
+/// where it is mounted at the end and was not before, or the other way round; what changes below it is told by the
+/// keys' names while it is mounted, and by the content of its file.
 class RecordingRegistry final : public ports::Registry {
  public:
   RecordingRegistry(const ports::System& inner, Ledger& ledger)

@@ -30,10 +30,9 @@ TEST(CommandLine, EachSubcommandFillsItsOptions) {
                 .script_key,
             "k");
 
-  const auto rehearse =
-      options_of<workbench::RehearseOptions>({"rehearse", "--machine", "m", "--max-steps", "5", "--out", "o",
-                                              "--receipt", "r", "--parent", "p /force", "--", "/silent", "--", "--help",
-                                              ""});
+  const auto rehearse = options_of<workbench::RehearseOptions>({"rehearse", "--machine", "m", "--max-steps", "5",
+                                                                "--out", "o", "--receipt", "r", "--parent", "p /force",
+                                                                "--", "/silent", "--", "--help", ""});
   EXPECT_EQ(rehearse.machine, "m");
   EXPECT_FALSE(rehearse.script.has_value());
   EXPECT_EQ(rehearse.out, "o");
