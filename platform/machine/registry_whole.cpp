@@ -83,15 +83,14 @@ ErrorCode Registry::remove_tree(RegistryKey key, const wchar_t* subkey) {
 }
 
 ErrorCode Registry::hive_place(RegistryKey key, KeyId& root) {
-  const State& state = world_.state;
   OpenKey used;
   const ErrorCode error = use(key, 0, used);
   if (error != code::success) return error;
-  if (!privilege_enabled(state, privilege::restore) || !privilege_enabled(state, privilege::backup)) {
+  if (!privilege_enabled(world_.state, privilege::restore) || !privilege_enabled(world_.state, privilege::backup)) {
     return code::privilege_not_held;
   }
   root = used.key;
-  return state.registry.keys.at(root).parent == 0 ? code::success : code::invalid_parameter;
+  return world_.state.registry.keys.at(root).parent == 0 ? code::success : code::invalid_parameter;
 }
 
 ErrorCode Registry::load_hive(RegistryKey key, const wchar_t* name, const wchar_t* file) {

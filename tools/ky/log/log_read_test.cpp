@@ -109,8 +109,8 @@ TEST_F(LogRead, WhatIsWrongFromTheStartIsRefused) {
       {{{folder_ / "empty"}, {}}, folder_ / "empty" + ": it holds no logs"},
       {absent, folder_ / "s.9.1.bin" + ": cannot be read: it does not exist"},
   };
-  for (const auto& [options, refusal] : cases) {
-    EXPECT_EQ(support::refusal_of([&] { return read(options); }), refusal);
+  for (const auto& row : cases) {
+    EXPECT_EQ(support::refusal_of([&] { return read(row.options); }), row.refusal);
   }
   EXPECT_EQ(read({{path, folder_ / "absent"}, {}}), 1);
   EXPECT_EQ(err_, path + ": it is sealed, and no private key was given\n" + (folder_ / "absent") +
